@@ -1,0 +1,12 @@
+#ifndef ZAXFEATEXPORT_H
+#define ZAXFEATEXPORT_H
+
+#include <QtGlobal>
+
+#ifdef ZAXFEATURE_LIBRARY
+#define ZAXFEATURE_EXPORT Q_DECL_EXPORT
+#else
+#define ZAXFEATURE_EXPORT Q_DECL_IMPORT
+#endif
+
+#endif

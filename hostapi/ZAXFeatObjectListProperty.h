@@ -1,0 +1,156 @@
+#ifndef ZAXFEATOBJECTLISTPROPERTY_H
+#define ZAXFEATOBJECTLISTPROPERTY_H
+
+#include "ZAXFeatObjectListPropertyBase.h"
+#include "ZAXFeatObjectListPropertyItem.h"
+#include "ZAXFeatPropertySignals.h"
+#include "ZAXGeoContainer.h"
+#include "ZAXGeoGeometryNotFoundException.h"
+#include "ZAXGeoStream.h"
+
+#include <QList>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+/// An ordered list of pointers to features of type T as a property of another feature, which announces additions and
+/// removals through two signals of its own. An item may point at nothing.
+template <typename T>
+class ZAXFeatObjectListProperty : public ZAXFeatObjectListPropertyBase
+{
+public:
+    using Item = ZAXFeatObjectListPropertyItem<T>;
+
+    /// The list property \a propertyIndex of \a feature. \a added and \a removed are signals of the feature's class.
+    /// \throws ZAXSysException when either is no signal.
+    template <typename AddedSignal, typename RemovedSignal>
+    ZAXFeatObjectListProperty(ZAXFeatObject* feature, int propertyIndex, AddedSignal added, RemovedSignal removed)
+        : ZAXFeatObjectListPropertyBase(feature, propertyIndex),
+          m_addedSignal(QMetaMethod::fromSignal(added).methodIndex()),
+          m_removedSignal(QMetaMethod::fromSignal(removed).methodIndex())
+    {
+        if (m_addedSignal == -1 || m_removedSignal == -1)
+            throw ZAXSysException(QLatin1String("Invalid added signal index."));
+    }
+
+    /// Closes the change and, unless \a silent, raises the notify signal, if the property has one.
+    void EndModify(bool silent) override
+    {
+        ZAXFeatObjectListPropertyBase::EndModify(silent);
+        if (!silent)
+            ZAXFeatPropertySignals::EmitPropertyChanged(GetFeature(), GetPropertyIndex());
+    }
+
+    /// Appends \a object, which may be null: the change is closed as \a silent says, then the added signal is raised,
+    /// silent or not.
+    void Add(T* object, bool silent)
+    {
+        ZAXFeatPropertyChange change(*this);
+        auto item = std::make_unique<Item>(this);
+        item->SetPointedObject(object, silent);
+        m_items.push_back(std::move(item));
+        change.EndModify(silent);
+        Emit(m_addedSignal, object, QLatin1String("added"));
+    }
+
+    /// Takes \a item out, raises the removed signal, silent or not, destroys the item and closes the change as
+    /// \a silent says.
+    /// \throws ZAXSysException when the list does not hold \a item.
+    void RemoveItem(ZAXFeatObjectPropertyBase* item, bool silent) override
+    {
+        const auto found = std::ranges::find(m_items, item, [](const auto& held) { return held.get(); });
+        if (found == m_items.end())
+            throw ZAXSysException(QLatin1String("Cannot remove an item that is not contained in the list."));
+        ZAXFeatPropertyChange change(*this);
+        Take(found);
+        change.EndModify(silent);
+    }
+
+    /// Takes all items out, front to back, raising the removed signal for each, silent or not, then closes the change
+    /// as \a silent says. Nothing happens to an empty list.
+    void Clear(bool silent)
+    {
+        if (m_items.empty())
+            return;
+        ZAXFeatPropertyChange change(*this);
+        while (!m_items.empty())
+            Take(m_items.begin());
+        change.EndModify(silent);
+    }
+
+    /// The objects pointed at, in list order; null for an item that points at nothing.
+    QList<T*> GetObjects() const
+    {
+        QList<T*> objects;
+        objects.reserve(static_cast<qsizetype>(m_items.size()));
+        for (const auto& item : m_items)
+            objects.append(item->GetObject());
+        return objects;
+    }
+
+    /// The items in list order; the list owns them.
+    QList<Item*> GetItems() const
+    {
+        QList<Item*> items;
+        items.reserve(static_cast<qsizetype>(m_items.size()));
+        for (const auto& item : m_items)
+            items.append(item.get());
+        return items;
+    }
+
+private:
+    using Items = std::vector<std::unique_ptr<Item>>;
+
+    void Take(typename Items::iterator position)
+    {
+        const std::unique_ptr<Item> item = std::move(*position);
+        m_items.erase(position);
+        Emit(m_removedSignal, item->GetObject(), QLatin1String("removed"));
+    }
+
+    void Emit(int signal, T* object, QLatin1String what)
+    {
+        ZAXFeatPropertySignals::EmitListSignal(GetFeature(), signal, T::staticMetaObject.className(), object, what);
+    }
+
+    Items m_items;
+    int m_addedSignal;
+    int m_removedSignal;
+};
+
+/// Writes the number of items as a qint32, then the reference of each object, an invalid one for null.
+template <typename T>
+ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatObjectListProperty<T>& list)
+{
+    const QList<T*> objects = list.GetObjects();
+    stream.GetDataStream() << static_cast<qint32>(objects.size());
+    for (const T* object : objects)
+        stream.GetDataStream() << ZAXGeoGeometryRef(object);
+    return stream;
+}
+
+/// Replaces the list by a stored one, with notification. A reference that maps to an invalid one gives a null item.
+/// \throws ZAXGeoGeometryNotFoundException for a valid reference that does not lead to a T.
+template <typename T>
+ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& list)
+{
+    list.Clear(false);
+    qint32 count = 0;
+    stream.GetDataStream() >> count;
+    for (qint32 i = 0; i < count; ++i) {
+        ZAXGeoGeometryRef stored;
+        stream.GetDataStream() >> stored;
+        // A count larger than what follows is damage; the reader of the document reports it by the stream's status.
+        if (stream.GetDataStream().status() != QDataStream::Ok)
+            break;
+        const ZAXGeoGeometryRef reference = stream.GetMappedReference(stored);
+        T* const object = qobject_cast<T*>(stream.GetContainer()->GetGeometryByRef(reference));
+        if (!object && reference.IsValid())
+            throw ZAXGeoGeometryNotFoundException(reference);
+        list.Add(object, false);
+    }
+    return stream;
+}
+
+#endif

@@ -1,0 +1,31 @@
+#ifndef ZAXFEATOBJECTPROPERTYBASE_H
+#define ZAXFEATOBJECTPROPERTYBASE_H
+
+#include "ZAXFeatPropertyBase.h"
+
+class ZAXFeatObjectListPropertyBase;
+
+/// A property that points at one feature, or at nothing. Its feature depends on the one pointed at, unless that is a
+/// child of it. When the feature pointed at is removed, the property points at nothing, and a list item leaves its
+/// list.
+class ZAXFEATURE_EXPORT ZAXFeatObjectPropertyBase : public ZAXFeatPropertyBase
+{
+public:
+    ~ZAXFeatObjectPropertyBase() override;
+
+    /// The list that this property is an item of; null for a property that stands alone.
+    virtual ZAXFeatObjectListPropertyBase* GetOwningList() const;
+
+    /// Points the property at \a object, which may be null; to be called within an open change.
+    /// \throws ZAXSysException for an object of another container, unless CanExternalReference() admits it.
+    virtual void SetPointedObject(ZAXFeatObject* object);
+    /// Whether the property may point at \a object although that lives in another container. The base says no.
+    virtual bool CanExternalReference(ZAXFeatObject* object);
+
+    ZAXFeatObject* GetPointedObject() const;
+
+protected:
+    ZAXFeatObjectPropertyBase(ZAXFeatObject* feature, bool isInput);
+};
+
+#endif

@@ -1,0 +1,80 @@
+#ifndef ZAXFEATPROPERTYSIGNALS_H
+#define ZAXFEATPROPERTYSIGNALS_H
+
+#include "ZAXFeatObject.h"
+#include "ZAXSysException.h"
+
+#include <QByteArray>
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <QVariant>
+
+/// How the typed properties raise the signals of their feature: through the meta-object, since a property knows its
+/// feature only as a ZAXFeatObject.
+namespace ZAXFeatPropertySignals {
+
+/// Invokes \a signal on \a feature with \a argument, whose type is named \a typeName as an argument and
+/// \a returnTypeName in the return position; without any argument where the signal takes none.
+/// QMetaMethod::invoke() checks the number of arguments, never their types: \a argument must be of the type that the
+/// signal takes, null when there is no such value.
+inline bool Invoke(const QMetaMethod& signal, ZAXFeatObject* feature, const QByteArray& typeName,
+                   const QByteArray& returnTypeName, void* argument)
+{
+    if (argument) {
+        if (signal.invoke(feature, Qt::AutoConnection, QGenericReturnArgument(),
+                          QGenericArgument(typeName.constData(), argument)))
+            return true;
+        if (signal.invoke(feature, Qt::AutoConnection, QGenericReturnArgument(returnTypeName.constData(), argument)))
+            return true;
+    }
+    return signal.invoke(feature, Qt::AutoConnection);
+}
+
+/// Raises the notify signal of the property \a index of \a feature with the property's value, converted to the
+/// signal's parameter type. Does nothing for a property that is not bound or has no notify signal.
+/// \throws ZAXSysException when the signal takes something that the value does not convert to.
+inline void EmitPropertyChanged(ZAXFeatObject* feature, int index)
+{
+    if (index < 0)
+        return;
+    const QMetaProperty property = feature->metaObject()->property(index);
+    if (!property.hasNotifySignal())
+        return;
+    const QMetaMethod signal = property.notifySignal();
+    QVariant value = property.read(feature);
+    QByteArray typeName = property.typeName();
+    void* argument = value.data();
+    if (signal.parameterCount() > 0) {
+        typeName = signal.parameterTypes().constFirst();
+        const QMetaType type = signal.parameterMetaType(0);
+        if (type.id() == QMetaType::QVariant)
+            argument = &value;
+        else if (value.metaType() == type || value.convert(type))
+            argument = value.data();
+        else
+            argument = nullptr;
+    }
+    if (!Invoke(signal, feature, typeName, typeName, argument))
+        throw ZAXSysException(QLatin1String("Could not emit the property changed signal."));
+}
+
+/// Raises the list signal with the meta-method index \a index of \a feature with \a object, a pointer to the class
+/// \a className that may be null. \a what, "added" or "removed", names the signal in messages.
+/// \throws ZAXSysException when the feature has no such method, or one that takes more than one argument.
+inline void EmitListSignal(ZAXFeatObject* feature, int index, const QByteArray& className, void* object,
+                           QLatin1String what)
+{
+    if (index < 0)
+        return;
+    const QMetaMethod signal = feature->metaObject()->method(index);
+    if (!signal.isValid())
+        throw ZAXSysException(QLatin1String("The %1 signal is invalid.").arg(what));
+    const QByteArray typeName = className + '*';
+    if (!Invoke(signal, feature, typeName, "const " + typeName, &object))
+        throw ZAXSysException(
+            QLatin1String("Could not emit the %1 signal because the signature could not be deduced.").arg(what));
+}
+
+} // namespace ZAXFeatPropertySignals
+
+#endif

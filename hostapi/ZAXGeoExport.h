@@ -1,0 +1,12 @@
+#ifndef ZAXGEOEXPORT_H
+#define ZAXGEOEXPORT_H
+
+#include <QtGlobal>
+
+#ifdef ZAXGEOMETRY_LIBRARY
+#define ZAXGEOMETRY_EXPORT Q_DECL_EXPORT
+#else
+#define ZAXGEOMETRY_EXPORT Q_DECL_IMPORT
+#endif
+
+#endif
