@@ -15,6 +15,8 @@ public:
     ZAXFeatFolder(ZAXFeatContainer* container, ZAXFeatObject* parent);
     Q_INVOKABLE ZAXFeatFolder(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference);
     Q_INVOKABLE explicit ZAXFeatFolder(ZAXFeatObject* parent);
+    /// A folder at the top of \a container.
+    Q_INVOKABLE explicit ZAXFeatFolder(ZAXFeatContainer* container);
     ~ZAXFeatFolder() override;
 
     bool IsChildAllowed(const QMetaObject* childType) const override;

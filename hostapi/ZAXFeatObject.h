@@ -27,7 +27,8 @@ class ZAXFEATURE_EXPORT ZAXFeatObject : public ZAXGeoGeometry
     Q_CLASSINFO("version", "1")
 
 public:
-    enum MessageStatus {
+    enum MessageStatus
+    {
         NoMessage = 0,
         Information = 1,
         Warning = 2,
@@ -35,7 +36,8 @@ public:
     };
     Q_ENUM(MessageStatus)
 
-    enum MoveAction {
+    enum MoveAction
+    {
         NoMove = 0,
         MoveWithinParent = 1,
         MoveToOtherParent = 2,

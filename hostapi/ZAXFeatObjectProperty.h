@@ -25,8 +25,8 @@ public:
     virtual void SetPointedObject(ZAXFeatObject* object, bool silent)
     {
         if (object && !qobject_cast<T*>(object))
-            throw ZAXSysException(QLatin1String("The object is not a %1.")
-                                      .arg(QLatin1String(T::staticMetaObject.className())));
+            throw ZAXSysException(
+                QLatin1String("The object is not a %1.").arg(QLatin1String(T::staticMetaObject.className())));
         ZAXFeatPropertyChange change(*this);
         SetPointedObject(object);
         change.EndModify(silent);

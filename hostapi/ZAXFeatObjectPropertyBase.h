@@ -5,9 +5,9 @@
 
 class ZAXFeatObjectListPropertyBase;
 
-/// A property that points at one feature, or at nothing. Its feature depends on the one pointed at, unless that is a
-/// child of it. When the feature pointed at is removed, the property points at nothing, and a list item leaves its
-/// list.
+/// A property that points at one feature, or at nothing. Its feature then depends on the one pointed at; only a list
+/// of a feature's own children makes no dependency. When the feature pointed at is removed, the property points at
+/// nothing, and a list item leaves its list.
 class ZAXFEATURE_EXPORT ZAXFeatObjectPropertyBase : public ZAXFeatPropertyBase
 {
 public:

@@ -64,7 +64,6 @@ private:
 
 /// Writes and reads a field by its QDataStream operators.
 template <typename T>
-    requires requires(QDataStream& data, const T& value) { data << value; }
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const T& value)
 {
     stream.GetDataStream() << value;
@@ -72,7 +71,6 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const T& value)
 }
 
 template <typename T>
-    requires requires(QDataStream& data, T& value) { data >> value; }
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, T& value)
 {
     stream.GetDataStream() >> value;

@@ -8,7 +8,8 @@
 #include <optional>
 
 /// The physical quantities that values with a unit come in. The numbers are part of the interface.
-enum class ZAXSysQuantity : int {
+enum class ZAXSysQuantity : int
+{
     Length = 1,  ///< internal unit: millimetre
     Density = 7, ///< internal unit: gram per cubic centimetre
 };

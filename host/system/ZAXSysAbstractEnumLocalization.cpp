@@ -54,9 +54,8 @@ void ZAXSysAbstractEnumLocalization::RegisterValueLocalization(int metaTypeId, c
 int ZAXSysAbstractEnumLocalization::StringToInteger(int metaTypeId, const QString& text)
 {
     const Localization localization = Localizations().value(metaTypeId);
-    const auto labelled = std::ranges::find_if(localization.values, [&](int value) {
-        return localization.label(value) == text;
-    });
+    const auto labelled =
+        std::ranges::find_if(localization.values, [&](int value) { return localization.label(value) == text; });
     if (labelled != localization.values.end())
         return *labelled;
     const QMetaEnum enumerator = EnumeratorOf(metaTypeId);

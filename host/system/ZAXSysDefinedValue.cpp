@@ -58,7 +58,7 @@ void RegisterValue(const char* name)
         QMetaType::fromType<Value>(), QMetaType::fromType<QString>());
 }
 
-const bool registered = [] {
+[[maybe_unused]] const bool registered = [] {
     RegisterValue<ZAXSysQuantity::Length>("ZAXSysLengthValue");
     RegisterValue<ZAXSysQuantity::Density>("ZAXSysDensityValue");
     // Qt keeps the first copy of these that it meets; it must not be one in a module that may leave.

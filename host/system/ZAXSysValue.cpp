@@ -61,9 +61,8 @@ const Unit* FindUnit(ZAXSysQuantity quantity, QStringView name)
     if (name.isEmpty())
         return InternalUnit(quantity);
     const QByteArray utf8 = name.toUtf8();
-    const auto* const unit = std::ranges::find_if(units, [&](const Unit& candidate) {
-        return candidate.quantity == quantity && utf8 == candidate.name;
-    });
+    const auto* const unit = std::ranges::find_if(
+        units, [&](const Unit& candidate) { return candidate.quantity == quantity && utf8 == candidate.name; });
     return unit != units.end() ? unit : nullptr;
 }
 

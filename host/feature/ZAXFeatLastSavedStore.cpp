@@ -1,0 +1,88 @@
+#include "ZAXFeatLastSavedStore.h"
+
+#include "ZAXSysModules.h"
+
+#include <QHash>
+
+#include <utility>
+
+namespace {
+
+class MemoryStore : public ZAXFeatLastSavedStore
+{
+public:
+    QVariant GetValue(const QByteArray& className, const QByteArray& property) const override
+    {
+        return m_values.value({className, property});
+    }
+
+    void SetValue(const QByteArray& className, const QByteArray& property, const QVariant& value) override
+    {
+        if (value.isValid())
+            m_values.insert({className, property}, value);
+        else
+            m_values.remove({className, property});
+    }
+
+    void ReleaseModule(const void* module) override
+    {
+        // An enumeration's value survives as the number that it is; anything else of the module's types is lost.
+        for (auto& value : m_values) {
+            if (IsPartOf(value, module))
+                value = value.metaType().flags() & QMetaType::IsEnumeration ? QVariant(value.toInt()) : QVariant();
+        }
+        m_values.removeIf([](const auto& entry) { return !entry.value().isValid(); });
+    }
+
+private:
+    static bool IsPartOf(const QVariant& value, const void* module)
+    {
+        // A type is also part of the module that its meta-object lies in, whoever instantiated its interface.
+        return ZAXSysModules::ModuleOf(value.metaType().iface()) == module ||
+               ZAXSysModules::ModuleOf(value.metaType().metaObject()) == module;
+    }
+
+    QHash<std::pair<QByteArray, QByteArray>, QVariant> m_values;
+};
+
+struct Current
+{
+    Current()
+    {
+        ZAXSysModules::OnLeave([this](const void* module) { store->ReleaseModule(module); });
+    }
+
+    std::unique_ptr<MemoryStore> memory = std::make_unique<MemoryStore>();
+    ZAXFeatLastSavedStore* store = memory.get();
+};
+
+Current& Instance()
+{
+    // Never destroyed: modules may leave after the statics of this library are gone.
+    static auto* const current = new Current;
+    return *current;
+}
+
+} // namespace
+
+ZAXFeatLastSavedStore::ZAXFeatLastSavedStore() = default;
+
+ZAXFeatLastSavedStore::~ZAXFeatLastSavedStore() = default;
+
+void ZAXFeatLastSavedStore::ReleaseModule(const void*) {}
+
+ZAXFeatLastSavedStore& ZAXFeatLastSavedStore::GetCurrent()
+{
+    return *Instance().store;
+}
+
+void ZAXFeatLastSavedStore::SetCurrent(ZAXFeatLastSavedStore* store)
+{
+    auto& current = Instance();
+    if (store) {
+        current.store = store;
+        return;
+    }
+    current.memory = std::make_unique<MemoryStore>();
+    current.store = current.memory.get();
+}

@@ -1,0 +1,301 @@
+#include "ZAXFeatObject.h"
+
+#include "ZAXFeatContainer.h"
+#include "ZAXFeatContainerPrivate.h"
+#include "ZAXFeatObjectListPropertyBase.h"
+#include "ZAXFeatObjectPrivate.h"
+#include "ZAXFeatObjectPropertyBase.h"
+#include "ZAXFeatPropertyBasePrivate.h"
+#include "ZAXFeatRoot.h"
+#include "ZAXFeatValuePropertyBase.h"
+#include "ZAXGeoContainerPrivate.h"
+#include "ZAXGeoGeometryPrivate.h"
+#include "ZAXGeoStream.h"
+#include "ZAXSysException.h"
+
+#include <QCoreApplication>
+#include <QMetaClassInfo>
+#include <QPointer>
+#include <QSet>
+
+#include <algorithm>
+
+namespace {
+
+/// Whether \a type or one of its bases is named in \a names.
+bool IsNamed(const QMetaObject* type, const QList<QByteArray>& names)
+{
+    for (; type; type = type->superClass()) {
+        if (names.contains(type->className()))
+            return true;
+    }
+    return false;
+}
+
+/// Whether the "allowedParents" of \a childType admit \a parentType; without the entry any parent will do.
+bool IsParentAdmitted(const QMetaObject* parentType, const QMetaObject* childType)
+{
+    const int index = childType->indexOfClassInfo("allowedParents");
+    return index < 0 || IsNamed(parentType, QByteArray(childType->classInfo(index).value()).split(' '));
+}
+
+QString DefaultLabel(const QMetaObject* type)
+{
+    const int index = type->indexOfClassInfo("defaultLabel");
+    return index < 0 ? QString() : QCoreApplication::translate(type->className(), type->classInfo(index).value());
+}
+
+/// An open change of one feature, closed at the end of the scope.
+class Change
+{
+public:
+    explicit Change(ZAXFeatObjectPrivate& feature) : m_feature(feature) { m_feature.BeginModify(); }
+    ~Change() { m_feature.EndModify(); }
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
+
+private:
+    ZAXFeatObjectPrivate& m_feature;
+};
+
+} // namespace
+
+ZAXFeatObject::ZAXFeatObject(ZAXFeatContainer* container, ZAXFeatObject* parent)
+    : ZAXGeoGeometry(container), d_ptr(std::make_unique<ZAXFeatObjectPrivate>(this, container))
+{
+    if (parent && parent->GetContainer() != container)
+        throw ZAXSysException(QLatin1String("The parent belongs to another document."));
+    d_ptr->AttachTo(parent, -1);
+}
+
+ZAXFeatObject::ZAXFeatObject(const ZAXGeoGeometryRef& reference, ZAXGeoContainer* container)
+    : ZAXGeoGeometry(reference, container),
+      d_ptr(std::make_unique<ZAXFeatObjectPrivate>(this, qobject_cast<ZAXFeatContainer*>(container)))
+{
+    d_ptr->AttachTo(nullptr, -1);
+    // Nobody saw it come: it was there when the document, or the original of a copy, was.
+    d_ptr->isInitialized = true;
+}
+
+ZAXFeatObject::~ZAXFeatObject()
+{
+    for (const ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
+        ZAXFeatPropertyBasePrivate::Get(*property).pointed = nullptr;
+    while (!d_ptr->children.isEmpty())
+        delete d_ptr->children.constLast();
+    d_ptr->Detach();
+}
+
+void ZAXFeatObject::Save(ZAXGeoStream& stream) const
+{
+    ZAXGeoGeometry::Save(stream);
+    stream << d_ptr->label << d_ptr->isVisible;
+}
+
+void ZAXFeatObject::Load(ZAXGeoStream& stream)
+{
+    ZAXGeoGeometry::Load(stream);
+    QString label;
+    bool isVisible = true;
+    stream >> label >> isVisible;
+    SetLabel(label);
+    SetVisibility(isVisible);
+}
+
+void ZAXFeatObject::Initialize()
+{
+    ZAXGeoGeometry::Initialize();
+    if (std::exchange(d_ptr->isInitialized, true))
+        return;
+    for (ZAXFeatValuePropertyBase* property : std::as_const(d_ptr->initializations))
+        property->InitializeValue();
+    InitializeNonStreamed();
+    if (!d_ptr->isAnnouncementDeferred)
+        d_ptr->Announce();
+}
+
+bool ZAXFeatObject::IsChildAllowed(const QMetaObject* childType) const
+{
+    return IsValidParent(metaObject(), childType, {staticMetaObject.className()});
+}
+
+bool ZAXFeatObject::IsUserDeletable() const
+{
+    return true;
+}
+
+bool ZAXFeatObject::UpdateResult()
+{
+    d_ptr->messages.clear();
+    return true;
+}
+
+void ZAXFeatObject::PostDuplicate(const ZAXFeatObject*, const ZAXFeatObject*) {}
+
+QString ZAXFeatObject::GetLabel() const
+{
+    return GetLabelPrefix() + (d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label) + GetLabelSuffix();
+}
+
+QString ZAXFeatObject::GetLabelPrefix() const
+{
+    return {};
+}
+
+QString ZAXFeatObject::GetLabelSuffix() const
+{
+    return {};
+}
+
+ZAXFeatObject::MoveActions ZAXFeatObject::GetAllowedMoveActions() const
+{
+    return MoveWithinParent | MoveToOtherParent;
+}
+
+bool ZAXFeatObject::CanUserDuplicate() const
+{
+    return true;
+}
+
+void ZAXFeatObject::SetVisibility(bool visible)
+{
+    if (visible == d_ptr->isVisible)
+        return;
+    {
+        const Change change(*d_ptr);
+        d_ptr->isVisible = visible;
+    }
+    emit VisibilityChanged(visible);
+}
+
+void ZAXFeatObject::Remove()
+{
+    if (std::exchange(d_ptr->isRemoved, true))
+        return;
+    d_ptr->ReleasePointers();
+    const auto subtree = d_ptr->Subtree();
+    for (ZAXFeatObject* feature : subtree)
+        feature->Cleanup();
+    const QPointer<ZAXFeatObject> parent = GetParent();
+    {
+        const Change change(parent ? *parent->d_ptr : *d_ptr);
+        d_ptr->AttachTo(nullptr, -1);
+    }
+    if (parent && d_ptr->isAnnounced)
+        emit parent->ChildRemoved(this);
+    // Deepest first: what somebody still holds must not go down with its parent.
+    const auto leaving = d_ptr->Subtree();
+    for (auto feature = leaving.crbegin(); feature != leaving.crend(); ++feature) {
+        auto& d = *(*feature)->d_ptr;
+        d.isRemoved = true;
+        d.AttachTo(nullptr, -1);
+        ZAXGeoGeometryPrivate::Discard(*feature);
+    }
+}
+
+void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
+
+void ZAXFeatObject::SetLabel(const QString& label)
+{
+    if (label == d_ptr->label)
+        return;
+    {
+        const Change change(*d_ptr);
+        d_ptr->label = label;
+    }
+    emit LabelChanged(GetLabel());
+}
+
+bool ZAXFeatObject::IsVisible() const
+{
+    return d_ptr->isVisible;
+}
+
+ZAXFeatObject* ZAXFeatObject::GetParent() const
+{
+    return d_ptr->parent;
+}
+
+QList<ZAXFeatObject*> ZAXFeatObject::GetChildren() const
+{
+    return d_ptr->children;
+}
+
+QList<ZAXFeatObject*> ZAXFeatObject::GetAllChildren() const
+{
+    auto features = d_ptr->Subtree();
+    features.removeFirst();
+    return features;
+}
+
+QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
+{
+    QList<ZAXFeatObject*> reached = d_ptr->Subtree();
+    const qsizetype own = reached.size();
+    QSet<const ZAXFeatObject*> seen(reached.cbegin(), reached.cend());
+    for (qsizetype i = 0; i < reached.size(); ++i) {
+        const ZAXFeatObject* const pointed = reached.at(i);
+        for (const ZAXFeatObjectPropertyBase* property : std::as_const(pointed->d_ptr->pointers)) {
+            ZAXFeatObject* const dependent = property->GetFeature();
+            const bool listsItsOwnChild = property->GetOwningList() && pointed->GetParent() == dependent;
+            if (!listsItsOwnChild && !seen.contains(dependent)) {
+                seen.insert(dependent);
+                reached.append(dependent);
+            }
+        }
+    }
+    return reached.sliced(own);
+}
+
+bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
+{
+    if (!parent || d_ptr->isRemoved || parent->d_ptr->isRemoved || parent->GetContainer() != GetContainer() ||
+        d_ptr->Subtree().contains(parent) || !parent->IsChildAllowed(metaObject()))
+        return false;
+    const QPointer<ZAXFeatObject> oldParent = GetParent();
+    const auto oldIndex = static_cast<int>(oldParent ? oldParent->d_ptr->children.indexOf(this) : -1);
+    {
+        const Change left(oldParent ? *oldParent->d_ptr : *d_ptr);
+        const Change entered(*parent->d_ptr);
+        d_ptr->AttachTo(parent, index);
+    }
+    if (oldParent != parent) {
+        if (oldParent)
+            emit oldParent->ChildRemoved(this);
+        emit parent->ChildAdded(this);
+    }
+    PostMove(oldParent, oldIndex);
+    return true;
+}
+
+void ZAXFeatObject::SetPropertyMessage(const QByteArray& property, MessageStatus status, const QString& text)
+{
+    const PropertyMessage message{property, status, text};
+    if (!d_ptr->messages.contains(message))
+        d_ptr->messages.append(message);
+}
+
+QList<ZAXFeatObject::PropertyMessage> ZAXFeatObject::GetPropertyMessages() const
+{
+    return d_ptr->messages;
+}
+
+QList<ZAXFeatObject::PropertyMessage> ZAXFeatObject::GetPropertyMessages(const QByteArray& property) const
+{
+    QList<PropertyMessage> messages = d_ptr->messages;
+    messages.removeIf([&](const PropertyMessage& message) { return message.property != property; });
+    return messages;
+}
+
+bool ZAXFeatObject::IsValidParent(const QMetaObject* parentType, const QMetaObject* childType,
+                                  const QList<QByteArray>& allowedChildClassNames)
+{
+    if (ZAXFeatObjectPrivate::IsPlainFolder(childType))
+        return true;
+    return IsNamed(childType, allowedChildClassNames) && IsParentAdmitted(parentType, childType);
+}
+
+bool ZAXFeatObject::event(QEvent* event)
+{
+    return ZAXGeoGeometry::event(event);
+}

@@ -1,0 +1,51 @@
+#include "ZAXFeatObjectPropertyBase.h"
+
+#include "ZAXFeatObjectListPropertyBase.h"
+#include "ZAXFeatObjectPrivate.h"
+#include "ZAXFeatPropertyBasePrivate.h"
+#include "ZAXSysException.h"
+
+ZAXFeatObjectPropertyBase::ZAXFeatObjectPropertyBase(ZAXFeatObject* feature, bool isInput)
+    : ZAXFeatPropertyBase(feature, isInput)
+{
+}
+
+ZAXFeatObjectPropertyBase::~ZAXFeatObjectPropertyBase()
+{
+    if (ZAXFeatObject* const pointed = GetPointedObject())
+        ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
+}
+
+ZAXFeatObjectListPropertyBase* ZAXFeatObjectPropertyBase::GetOwningList() const
+{
+    return nullptr;
+}
+
+void ZAXFeatObjectPropertyBase::SetPointedObject(ZAXFeatObject* object)
+{
+    if (object && object->GetContainer() != GetFeature()->GetContainer() && !CanExternalReference(object))
+        throw ZAXSysException(QLatin1String("The object belongs to another document."));
+    ZAXFeatObject*& pointed = ZAXFeatPropertyBasePrivate::Get(*this).pointed;
+    if (pointed)
+        ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
+    pointed = object;
+    if (pointed)
+        ZAXFeatObjectPrivate::Get(*pointed).pointers.append(this);
+}
+
+bool ZAXFeatObjectPropertyBase::CanExternalReference(ZAXFeatObject*)
+{
+    return false;
+}
+
+ZAXFeatObject* ZAXFeatObjectPropertyBase::GetPointedObject() const
+{
+    return ZAXFeatPropertyBasePrivate::Get(*this).pointed;
+}
+
+ZAXFeatObjectListPropertyBase::ZAXFeatObjectListPropertyBase(ZAXFeatObject* feature, int propertyIndex)
+    : ZAXFeatPropertyBase(feature, propertyIndex)
+{
+}
+
+ZAXFeatObjectListPropertyBase::~ZAXFeatObjectListPropertyBase() = default;

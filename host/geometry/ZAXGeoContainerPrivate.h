@@ -1,0 +1,27 @@
+#ifndef ZAXGEOCONTAINERPRIVATE_H
+#define ZAXGEOCONTAINERPRIVATE_H
+
+// Private to the host: may change without notice.
+
+#include "ZAXGeoContainer.h"
+
+#include <QHash>
+
+/// The identities of a container: who has which id, and which id comes next.
+class ZAXGEOMETRY_EXPORT ZAXGeoContainerPrivate
+{
+public:
+    static ZAXGeoContainerPrivate& Get(const ZAXGeoContainer& container) { return *container.d_ptr; }
+
+    /// The id for a new geometry; never given twice.
+    quint64 NextId() { return ++lastId; }
+    /// Makes \a geometry known under \a id. \throws ZAXSysException when the id is taken.
+    void Insert(quint64 id, ZAXGeoGeometry* geometry);
+    /// Forgets \a geometry; harmless when it is not known.
+    void Remove(quint64 id, const ZAXGeoGeometry* geometry);
+
+    QHash<quint64, ZAXGeoGeometry*> geometries;
+    quint64 lastId = 0;
+};
+
+#endif
