@@ -205,6 +205,7 @@ private:
     void WriteThickness(const ZAXSysLengthValue& thickness);
     ZAXSysDensityValue ReadDensity() const;
     void WriteDensity(const ZAXSysDensityValue& density);
+    QString NewCopyId() const;
 
     /// Never called: it proves at build time that the host can re-create the class from a stream.
     void _constructor_checker();

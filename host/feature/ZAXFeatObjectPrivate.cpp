@@ -62,6 +62,10 @@ void ZAXFeatObjectPrivate::Announce()
 {
     if (std::exchange(isAnnounced, true))
         return;
+    // The parent's list of children is what changed.
+    auto& changed = parent ? Get(*parent) : *this;
+    changed.BeginModify();
+    changed.EndModify();
     if (parent)
         emit parent->ChildAdded(q);
 }

@@ -1,0 +1,50 @@
+#ifndef ZAXHOSTSTATELOADER_H
+#define ZAXHOSTSTATELOADER_H
+
+// Private to the host: may change without notice.
+
+#include "ZAXGeoGeometryRef.h"
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+
+#include <functional>
+#include <memory>
+
+class QMetaObject;
+class ZAXFeatContainer;
+class ZAXFeatObject;
+
+/// Brings features back from their streamed states, as loading a document and duplicating features both do: first
+/// all features are made, then each is loaded, then each is told that all have been.
+class ZAXHostStateLoader
+{
+public:
+    explicit ZAXHostStateLoader(ZAXFeatContainer* container) : m_container(container) {}
+
+    /// The version table of the states; without one they come from this program.
+    void SetVersions(const QHash<QByteArray, int>& versions) { m_versions = versions; }
+    /// How references in the states map to the features made.
+    void SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map) { m_map = map; }
+
+    /// Makes a feature of class \a type, at the top of the tree, through the constructor for re-creation. An invalid
+    /// \a reference gives it a new id.
+    /// \throws ZAXSysException for a class without that constructor.
+    std::unique_ptr<ZAXFeatObject> Make(const QMetaObject* type, const ZAXGeoGeometryRef& reference);
+
+    /// Loads \a payload into \a feature, which a later EndLoad() completes.
+    /// \throws ZAXSysException when the payload is not what the feature's class reads.
+    void Load(ZAXFeatObject* feature, const QByteArray& payload, const QList<ZAXGeoGeometryRef>& references);
+
+    /// Completes all features loaded so far, in the order of loading.
+    void EndLoad();
+
+private:
+    ZAXFeatContainer* m_container;
+    QHash<QByteArray, int> m_versions;
+    std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)> m_map;
+    QList<ZAXFeatObject*> m_loaded;
+};
+
+#endif
