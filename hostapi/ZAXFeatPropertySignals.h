@@ -2,6 +2,7 @@
 #define ZAXFEATPROPERTYSIGNALS_H
 
 #include "ZAXFeatObject.h"
+#include "ZAXFeatSignalScope.h"
 #include "ZAXSysException.h"
 
 #include <QByteArray>
@@ -20,6 +21,7 @@ namespace ZAXFeatPropertySignals {
 inline bool Invoke(const QMetaMethod& signal, ZAXFeatObject* feature, const QByteArray& typeName,
                    const QByteArray& returnTypeName, void* argument)
 {
+    const ZAXFeatSignalScope scope(feature);
     if (argument) {
         if (signal.invoke(feature, Qt::AutoConnection, QGenericReturnArgument(),
                           QGenericArgument(typeName.constData(), argument)))

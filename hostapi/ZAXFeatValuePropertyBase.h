@@ -27,7 +27,8 @@ public:
 
     /// The value that the user last saved for this property of features of this class; invalid if there is none.
     QVariant GetLastSavedValue() const;
-    /// Remembers \a value for the next new feature of this class.
+    /// Remembers \a value for the next new feature of this class. Does nothing while undo, redo or a roll-back
+    /// restores values: nobody chose those anew.
     void SetLastSavedValue(const QVariant& value);
 
 protected:

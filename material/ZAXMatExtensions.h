@@ -48,6 +48,8 @@ Extension* Find(const ZAXFeatObjectListProperty<Extension>& list, const QByteArr
 template <typename Extension>
 Extension* Create(ZAXFeatObjectListProperty<Extension>& list, const QByteArray& key, QLatin1String refusal)
 {
+    // Creating the extension and listing it is one undoable change.
+    const ZAXFeatPropertyChange change(list);
     ZAXFeatObject* const owner = list.GetFeature();
     auto* const container = qobject_cast<ZAXFeatContainer*>(owner->GetContainer());
     auto* const extension = container ? qobject_cast<Extension*>(container->CreateInstance(key, owner)) : nullptr;

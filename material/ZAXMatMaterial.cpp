@@ -121,6 +121,8 @@ QString ZAXMatMaterial::GetMaterialType() const
 void ZAXMatMaterial::SetMaterialType(const QString& type)
 {
     Q_D(ZAXMatMaterial);
+    // Type and ID change as one undoable change.
+    const ZAXFeatPropertyChange change(d->materialType);
     d->materialType.Apply(type);
     UpdateMaterialId();
 }
@@ -134,6 +136,8 @@ double ZAXMatMaterial::GetThickness() const
 void ZAXMatMaterial::SetThickness(double thickness)
 {
     Q_D(ZAXMatMaterial);
+    // Thickness and ID change as one undoable change.
+    const ZAXFeatPropertyChange change(d->thickness);
     d->thickness.Apply(thickness);
     UpdateMaterialId();
 }
@@ -248,6 +252,9 @@ ZAXMatPackaging* ZAXMatMaterial::CreateDefaultPackaging()
     const QList<ZAXMatPackaging*> active = GetActivePackaging();
     if (!active.isEmpty())
         return active.constFirst();
+    // Making the packaging and activating it is one undoable change.
+    Q_D(ZAXMatMaterial);
+    const ZAXFeatPropertyChange change(d->materialExtensions);
     auto* const packaging = new ZAXMatPackaging(this);
     packaging->Initialize();
     packaging->SetActive(true);

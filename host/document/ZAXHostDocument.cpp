@@ -1,6 +1,5 @@
 #include "ZAXHostDocument.h"
 
-#include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObject.h"
 #include "ZAXFeatObjectPrivate.h"
@@ -8,12 +7,14 @@
 #include "ZAXGeoStream.h"
 #include "ZAXHostDocumentCodec.h"
 #include "ZAXHostStateLoader.h"
+#include "ZAXHostUndo.h"
 #include "ZAXSysException.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QSaveFile>
+#include <QUndoStack>
 
 namespace {
 
@@ -49,6 +50,17 @@ void AddRecords(const QList<ZAXFeatObject*>& siblings, int nesting, ZAXHostDocum
                               place++, stream.GetReferences(), stream.GetPayload()});
         AddRecords(feature->GetChildren(), nesting + 1, image);
     }
+}
+
+/// The highest id that the file of \a image knows, as the id of an object or in a reference.
+quint64 HighestId(const ZAXHostDocumentImage& image, quint64 highest)
+{
+    for (const ZAXHostDocumentRecord& record : image.records) {
+        highest = std::max(highest, record.id);
+        for (const ZAXGeoGeometryRef& reference : record.references)
+            highest = std::max(highest, reference.GetId());
+    }
+    return highest;
 }
 
 /// Says which object of a document a failure is about.
@@ -116,19 +128,16 @@ ZAXHostResult Populate(ZAXFeatContainer* container, const ZAXHostDocumentImage& 
 
 } // namespace
 
-class ZAXHostDocumentPrivate : public ZAXFeatChangeObserver
+class ZAXHostDocumentPrivate
 {
 public:
-    ZAXHostDocumentPrivate() { Observe(); }
-
-    void AboutToChange(ZAXFeatObject*) override {}
-    void Changed(ZAXFeatObject*) override { isModified = true; }
-
-    void Observe() { ZAXFeatContainerPrivate::Get(*container).observer = this; }
+    ZAXHostDocumentImage MakeImage() const;
 
     std::unique_ptr<ZAXFeatContainer> container = std::make_unique<ZAXFeatContainer>();
+    ZAXHostUndo undo{container.get()};
     QUuid documentId = QUuid::createUuid();
-    bool isModified = false;
+    /// The highest id that a file of this document may know; what was never saved may be given again.
+    quint64 highestSavedId = 0;
 };
 
 ZAXHostDocument::ZAXHostDocument() : d_ptr(std::make_unique<ZAXHostDocumentPrivate>()) {}
@@ -147,16 +156,26 @@ QUuid ZAXHostDocument::GetDocumentId() const
 
 bool ZAXHostDocument::IsModified() const
 {
-    return d_ptr->isModified;
+    return !d_ptr->undo.GetStack()->isClean();
+}
+
+ZAXHostUndo& ZAXHostDocument::GetUndo() const
+{
+    return d_ptr->undo;
+}
+
+ZAXHostDocumentImage ZAXHostDocumentPrivate::MakeImage() const
+{
+    ZAXHostDocumentImage image;
+    image.documentId = documentId;
+    AddRecords(container->GetRoots(), 1, image);
+    image.lastId = HighestId(image, highestSavedId);
+    return image;
 }
 
 QByteArray ZAXHostDocument::Encode() const
 {
-    ZAXHostDocumentImage image;
-    image.documentId = d_ptr->documentId;
-    image.lastId = ZAXGeoContainerPrivate::Get(*d_ptr->container).lastId;
-    AddRecords(d_ptr->container->GetRoots(), 1, image);
-    return ZAXHostDocumentCodec::Encode(image);
+    return ZAXHostDocumentCodec::Encode(d_ptr->MakeImage());
 }
 
 ZAXHostResult ZAXHostDocument::Load(QIODevice* device)
@@ -167,19 +186,21 @@ ZAXHostResult ZAXHostDocument::Load(QIODevice* device)
     auto container = std::make_unique<ZAXFeatContainer>();
     if (const auto result = Populate(container.get(), image); !result)
         return result;
+    d_ptr->undo.SetContainer(container.get());
     d_ptr->container = std::move(container);
     d_ptr->documentId = image.documentId;
-    d_ptr->isModified = false;
-    d_ptr->Observe();
+    d_ptr->highestSavedId = image.lastId;
     return ZAXHostResult::Done();
 }
 
 ZAXHostResult ZAXHostDocument::Save(QIODevice* device) const
 {
     try {
-        const QByteArray bytes = Encode();
+        const ZAXHostDocumentImage image = d_ptr->MakeImage();
+        const QByteArray bytes = ZAXHostDocumentCodec::Encode(image);
         if (device->write(bytes) != bytes.size())
             return ZAXHostResult::Failed(device->errorString());
+        d_ptr->highestSavedId = image.lastId;
     } catch (const ZAXSysException& exception) {
         return ZAXHostResult::Failed(exception.GetMessage());
     }
@@ -202,18 +223,21 @@ ZAXHostResult ZAXHostDocument::SaveAs(const QString& path)
     const auto failed = [&](const QString& why) {
         return ZAXHostResult::Failed(Tr("The document %1 cannot be saved: %2").arg(Native(path), why));
     };
-    QByteArray bytes;
+    ZAXHostDocumentImage image;
     try {
-        bytes = Encode();
+        image = d_ptr->MakeImage();
     } catch (const ZAXSysException& exception) {
         return failed(exception.GetMessage());
     }
+    const QByteArray bytes = ZAXHostDocumentCodec::Encode(image);
+    // From here on a file may hold these ids, whatever comes back.
+    d_ptr->highestSavedId = image.lastId;
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         return failed(file.errorString());
     QFile written(path);
     if (!written.open(QIODevice::ReadOnly) || written.readAll() != bytes)
         return failed(Tr("what was written does not read back."));
-    d_ptr->isModified = false;
+    d_ptr->undo.GetStack()->setClean();
     return ZAXHostResult::Done();
 }

@@ -12,6 +12,7 @@
 class QIODevice;
 class ZAXFeatContainer;
 class ZAXHostDocumentPrivate;
+class ZAXHostUndo;
 
 /// A document of the application: a tree of features and the file that it is kept in.
 class ZAXHOST_EXPORT ZAXHostDocument
@@ -27,8 +28,11 @@ public:
     ZAXFeatContainer* GetContainer() const;
     /// Tells documents apart; kept in the file, and given at the making of a document.
     QUuid GetDocumentId() const;
-    /// True when features changed since the document was made, opened or saved to its file.
+    /// True when features changed since the document was made, opened or saved to its file: when the undo stack is
+    /// not at its clean mark.
     bool IsModified() const;
+    /// Undo and redo of the document's changes. Loading another document forgets all steps.
+    ZAXHostUndo& GetUndo() const;
 
     /// Replaces the document by the one that \a device holds from its present position to its end: all objects are
     /// made first, then each is loaded, then ZAXGeoGeometry::EndStateLoad() runs on each. A failure leaves the document

@@ -20,7 +20,9 @@ qsizetype PlaceBehind(const ZAXFeatObject* source)
 
 ZAXFeatObject* ZAXHostDuplicator::Duplicate(ZAXFeatObject* source)
 {
-    ZAXHostStateLoader loader(ZAXFeatObjectPrivate::Get(*source).container);
+    ZAXFeatContainer* const container = ZAXFeatObjectPrivate::Get(*source).container;
+    const ZAXFeatStep step(container);
+    ZAXHostStateLoader loader(container);
     const auto originals = ZAXFeatObjectPrivate::Get(*source).Subtree();
     QHash<const ZAXFeatObject*, ZAXFeatObject*> copies;
     QHash<ZAXGeoGeometryRef, ZAXGeoGeometryRef> references;

@@ -1,5 +1,6 @@
 #include "ZAXFeatContainer.h"
 
+#include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatFolder.h"
 #include "ZAXFeatObjectPrivate.h"
@@ -38,6 +39,19 @@ void ZAXFeatContainerPrivate::DestroyAll()
         delete removed.constLast();
 }
 
+ZAXFeatStep::ZAXFeatStep(ZAXFeatContainer* container)
+    : m_observer(container ? ZAXFeatContainerPrivate::Get(*container).observer : nullptr)
+{
+    if (m_observer)
+        m_observer->BeginStep();
+}
+
+ZAXFeatStep::~ZAXFeatStep()
+{
+    if (m_observer)
+        m_observer->EndStep();
+}
+
 ZAXFeatContainer::ZAXFeatContainer(QObject* parent)
     : ZAXGeoContainer(parent), d_ptr(std::make_unique<ZAXFeatContainerPrivate>())
 {
@@ -73,6 +87,7 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
     auto& d = ZAXFeatObjectPrivate::Get(*made);
     if (made->GetParent() != parent)
         d.AttachTo(parent, -1);
+    const ZAXFeatStep step(this);
     d.isAnnouncementDeferred = true;
     made->Initialize();
     d.isAnnouncementDeferred = false;

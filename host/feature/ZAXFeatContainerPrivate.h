@@ -15,15 +15,33 @@ class ZAXFEATURE_EXPORT ZAXFeatContainerPrivate
 public:
     static ZAXFeatContainerPrivate& Get(const ZAXFeatContainer& container) { return *container.d_ptr; }
 
-    /// Destroys the features at the top, last to first, and with them all others.
+    /// Destroys the features at the top and those aside, last to first, and with them all others.
     void DestroyAll();
 
     /// The features without a parent, in order.
     QList<ZAXFeatObject*> roots;
-    /// Removed features that somebody still holds a reference count on.
+    /// Removed features, each with its subtree, that undo or somebody who holds a reference count keeps.
     QList<ZAXFeatObject*> removed;
     /// Not owned; may be null.
     ZAXFeatChangeObserver* observer = nullptr;
+    /// How many signals about changes are being raised, one within another.
+    int signalDepth = 0;
+    /// Former states are being restored: nobody chose the values that are set now.
+    bool isRestoring = false;
+};
+
+/// A step of the container's observer, if it has one.
+class ZAXFEATURE_EXPORT ZAXFeatStep
+{
+public:
+    /// \a container may be null.
+    explicit ZAXFeatStep(ZAXFeatContainer* container);
+    ~ZAXFeatStep();
+    ZAXFeatStep(const ZAXFeatStep&) = delete;
+    ZAXFeatStep& operator=(const ZAXFeatStep&) = delete;
+
+private:
+    ZAXFeatChangeObserver* m_observer;
 };
 
 #endif

@@ -7,9 +7,9 @@
 #include "ZAXFeatObjectPropertyBase.h"
 #include "ZAXFeatPropertyBasePrivate.h"
 #include "ZAXFeatRoot.h"
+#include "ZAXFeatSignalScope.h"
 #include "ZAXFeatValuePropertyBase.h"
 #include "ZAXGeoContainerPrivate.h"
-#include "ZAXGeoGeometryPrivate.h"
 #include "ZAXGeoStream.h"
 #include "ZAXSysException.h"
 
@@ -79,11 +79,15 @@ ZAXFeatObject::ZAXFeatObject(const ZAXGeoGeometryRef& reference, ZAXGeoContainer
 
 ZAXFeatObject::~ZAXFeatObject()
 {
+    if (auto* const observer = d_ptr->Observer(); observer && !d_ptr->isAside)
+        observer->Destroyed(this);
     for (const ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
         ZAXFeatPropertyBasePrivate::Get(*property).pointed = nullptr;
     while (!d_ptr->children.isEmpty())
         delete d_ptr->children.constLast();
     d_ptr->Detach();
+    if (d_ptr->isAside)
+        ZAXGeoContainerPrivate::Get(*d_ptr->container).aside.remove(GetId());
 }
 
 void ZAXFeatObject::Save(ZAXGeoStream& stream) const
@@ -165,32 +169,32 @@ void ZAXFeatObject::SetVisibility(bool visible)
         const Change change(*d_ptr);
         d_ptr->isVisible = visible;
     }
+    const ZAXFeatSignalScope scope(this);
     emit VisibilityChanged(visible);
 }
 
 void ZAXFeatObject::Remove()
 {
-    if (std::exchange(d_ptr->isRemoved, true))
+    if (d_ptr->isAside || d_ptr->isBeingRemoved || !d_ptr->container)
         return;
+    d_ptr->isBeingRemoved = true;
+    const ZAXFeatStep step(d_ptr->container);
     d_ptr->ReleasePointers();
     const auto subtree = d_ptr->Subtree();
     for (ZAXFeatObject* feature : subtree)
         feature->Cleanup();
     const QPointer<ZAXFeatObject> parent = GetParent();
-    {
-        const Change change(parent ? *parent->d_ptr : *d_ptr);
-        d_ptr->AttachTo(nullptr, -1);
-    }
-    if (parent && d_ptr->isAnnounced)
-        emit parent->ChildRemoved(this);
-    // Deepest first: what somebody still holds must not go down with its parent.
-    const auto leaving = d_ptr->Subtree();
-    for (auto feature = leaving.crbegin(); feature != leaving.crend(); ++feature) {
-        auto& d = *(*feature)->d_ptr;
-        d.isRemoved = true;
-        d.AttachTo(nullptr, -1);
-        ZAXGeoGeometryPrivate::Discard(*feature);
-    }
+    const ZAXFeatPlace from = d_ptr->Place();
+    d_ptr->SetAside();
+    d_ptr->isBeingRemoved = false;
+    auto* const observer = d_ptr->Observer();
+    if (observer)
+        observer->Placed(this, from, {});
+    const bool isKept = observer && observer->KeepsRemoved();
+    if (d_ptr->isAnnounced)
+        d_ptr->RaiseRemoved(parent);
+    if (!isKept)
+        d_ptr->Discard();
 }
 
 void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
@@ -203,6 +207,7 @@ void ZAXFeatObject::SetLabel(const QString& label)
         const Change change(*d_ptr);
         d_ptr->label = label;
     }
+    const ZAXFeatSignalScope scope(this);
     emit LabelChanged(GetLabel());
 }
 
@@ -249,22 +254,21 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
 
 bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
 {
-    if (!parent || d_ptr->isRemoved || parent->d_ptr->isRemoved || parent->GetContainer() != GetContainer() ||
+    if (!parent || d_ptr->isAside || parent->d_ptr->isAside || parent->GetContainer() != GetContainer() ||
         d_ptr->Subtree().contains(parent) || !parent->IsChildAllowed(metaObject()))
         return false;
+    const ZAXFeatStep step(d_ptr->container);
     const QPointer<ZAXFeatObject> oldParent = GetParent();
-    const auto oldIndex = static_cast<int>(oldParent ? oldParent->d_ptr->children.indexOf(this) : -1);
-    {
-        const Change left(oldParent ? *oldParent->d_ptr : *d_ptr);
-        const Change entered(*parent->d_ptr);
-        d_ptr->AttachTo(parent, index);
-    }
+    const ZAXFeatPlace from = d_ptr->Place();
+    d_ptr->AttachTo(parent, index);
+    const ZAXFeatPlace to = d_ptr->Place();
+    if (auto* const observer = d_ptr->Observer(); observer && from != to)
+        observer->Placed(this, from, to);
     if (oldParent != parent) {
-        if (oldParent)
-            emit oldParent->ChildRemoved(this);
-        emit parent->ChildAdded(this);
+        d_ptr->RaiseRemoved(oldParent);
+        d_ptr->RaiseAdded(parent);
     }
-    PostMove(oldParent, oldIndex);
+    PostMove(oldParent, static_cast<int>(from.index));
     return true;
 }
 
@@ -293,6 +297,20 @@ bool ZAXFeatObject::IsValidParent(const QMetaObject* parentType, const QMetaObje
     if (ZAXFeatObjectPrivate::IsPlainFolder(childType))
         return true;
     return IsNamed(childType, allowedChildClassNames) && IsParentAdmitted(parentType, childType);
+}
+
+ZAXFeatSignalScope::ZAXFeatSignalScope(const ZAXFeatObject* feature) : m_depth(nullptr)
+{
+    if (const auto* const container = ZAXFeatObjectPrivate::Get(*feature).container)
+        m_depth = &ZAXFeatContainerPrivate::Get(*container).signalDepth;
+    if (m_depth)
+        ++*m_depth;
+}
+
+ZAXFeatSignalScope::~ZAXFeatSignalScope()
+{
+    if (m_depth)
+        --*m_depth;
 }
 
 bool ZAXFeatObject::event(QEvent* event)

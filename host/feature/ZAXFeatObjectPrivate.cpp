@@ -1,11 +1,13 @@
 #include "ZAXFeatObjectPrivate.h"
 
-#include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObjectListPropertyBase.h"
 #include "ZAXFeatObjectPropertyBase.h"
 #include "ZAXFeatPropertyBasePrivate.h"
 #include "ZAXFeatRoot.h"
+#include "ZAXFeatSignalScope.h"
+#include "ZAXGeoContainerPrivate.h"
+#include "ZAXGeoGeometryPrivate.h"
 #include "ZAXSysException.h"
 
 #include <QMetaClassInfo>
@@ -36,7 +38,7 @@ QList<ZAXFeatObject*>* ZAXFeatObjectPrivate::Siblings() const
     if (!container)
         return nullptr;
     auto& top = ZAXFeatContainerPrivate::Get(*container);
-    return isRemoved ? &top.removed : &top.roots;
+    return isAside ? &top.removed : &top.roots;
 }
 
 void ZAXFeatObjectPrivate::AttachTo(ZAXFeatObject* newParent, qsizetype index)
@@ -58,23 +60,81 @@ void ZAXFeatObjectPrivate::Detach()
     parent = nullptr;
 }
 
-void ZAXFeatObjectPrivate::Announce()
+ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
 {
-    if (std::exchange(isAnnounced, true))
-        return;
-    // The parent's list of children is what changed.
-    auto& changed = parent ? Get(*parent) : *this;
-    changed.BeginModify();
-    changed.EndModify();
+    const auto* const siblings = Siblings();
+    if (isAside || !siblings)
+        return {};
+    return {true, parent ? parent->GetId() : 0, siblings->indexOf(q)};
+}
+
+void ZAXFeatObjectPrivate::RaiseAdded(ZAXFeatObject* parent) const
+{
+    const ZAXFeatSignalScope scope(q);
     if (parent)
         emit parent->ChildAdded(q);
 }
 
+void ZAXFeatObjectPrivate::RaiseRemoved(ZAXFeatObject* parent) const
+{
+    const ZAXFeatSignalScope scope(q);
+    if (parent)
+        emit parent->ChildRemoved(q);
+}
+
+void ZAXFeatObjectPrivate::Announce()
+{
+    if (std::exchange(isAnnounced, true))
+        return;
+    const ZAXFeatStep step(container);
+    if (auto* const observer = Observer())
+        observer->Placed(q, {}, Place());
+    RaiseAdded(parent);
+}
+
+void ZAXFeatObjectPrivate::SetAside()
+{
+    auto& index = ZAXGeoContainerPrivate::Get(*container);
+    Detach();
+    const auto subtree = Subtree();
+    for (ZAXFeatObject* feature : subtree) {
+        Get(*feature).isAside = true;
+        index.Remove(feature->GetId(), feature);
+        index.aside.insert(feature->GetId(), feature);
+    }
+    AttachTo(nullptr, -1);
+}
+
+void ZAXFeatObjectPrivate::BringBack(ZAXFeatObject* newParent, qsizetype index)
+{
+    auto& geometries = ZAXGeoContainerPrivate::Get(*container);
+    Detach();
+    const auto subtree = Subtree();
+    for (ZAXFeatObject* feature : subtree) {
+        Get(*feature).isAside = false;
+        geometries.aside.remove(feature->GetId());
+        geometries.Insert(feature->GetId(), feature);
+    }
+    AttachTo(newParent, index);
+}
+
+void ZAXFeatObjectPrivate::Discard()
+{
+    // Deepest first: what somebody still holds must not go down with its parent.
+    const auto subtree = Subtree();
+    for (auto feature = subtree.crbegin(); feature != subtree.crend(); ++feature) {
+        Get(**feature).AttachTo(nullptr, -1);
+        ZAXGeoGeometryPrivate::Discard(*feature);
+    }
+}
+
 void ZAXFeatObjectPrivate::BeginModify()
 {
-    if (openChanges++ == 0) {
-        if (auto* const observer = Observer())
-            observer->AboutToChange(q);
+    if (openChanges++ > 0)
+        return;
+    if (auto* const observer = Observer()) {
+        observer->BeginStep();
+        observer->AboutToChange(q);
     }
 }
 
@@ -82,10 +142,10 @@ void ZAXFeatObjectPrivate::EndModify()
 {
     if (openChanges == 0)
         throw ZAXSysException(QLatin1String("A change was closed that was never opened."));
-    if (--openChanges == 0) {
-        if (auto* const observer = Observer())
-            observer->Changed(q);
-    }
+    if (--openChanges > 0)
+        return;
+    if (auto* const observer = Observer())
+        observer->EndStep();
 }
 
 QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const

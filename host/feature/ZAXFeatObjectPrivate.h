@@ -3,9 +3,9 @@
 
 // Private to the host: may change without notice.
 
+#include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatObject.h"
 
-class ZAXFeatChangeObserver;
 class ZAXFeatObjectPropertyBase;
 class ZAXFeatValuePropertyBase;
 
@@ -21,13 +21,25 @@ public:
     /// Whether the class lets a feature of it have no parent.
     static bool MayStandAtTop(const QMetaObject* type);
 
+    /// Has \a parent, if there is one, raise ChildAdded() or ChildRemoved() for the feature.
+    void RaiseAdded(ZAXFeatObject* parent) const;
+    void RaiseRemoved(ZAXFeatObject* parent) const;
+
     /// Gives the feature its place: at \a index among the children of \a newParent, or among the features at the top
     /// for null; an index outside the range means the end. Tells nobody.
     void AttachTo(ZAXFeatObject* newParent, qsizetype index);
     /// Takes the feature out of the tree. Tells nobody.
     void Detach();
+    /// Where the feature stands now.
+    ZAXFeatPlace Place() const;
     /// Has the parent raise ChildAdded(), once in the feature's life.
     void Announce();
+    /// Takes the feature with its subtree out of the tree: references no longer find it. Tells nobody.
+    void SetAside();
+    /// Gives the feature, with its subtree, its place in the tree back. Tells nobody.
+    void BringBack(ZAXFeatObject* newParent, qsizetype index);
+    /// Deletes the feature, which is aside, with its subtree, save what somebody holds a reference count on.
+    void Discard();
 
     /// Opens a change of the feature's state; changes may nest.
     void BeginModify();
@@ -57,10 +69,12 @@ public:
     bool isInitialized = false;
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;
-    bool isRemoved = false;
+    bool isAside = false;
+    bool isBeingRemoved = false;
+
+    ZAXFeatChangeObserver* Observer() const;
 
 private:
-    ZAXFeatChangeObserver* Observer() const;
     QList<ZAXFeatObject*>* Siblings() const;
 };
 

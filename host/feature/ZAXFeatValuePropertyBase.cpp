@@ -1,5 +1,6 @@
 #include "ZAXFeatValuePropertyBase.h"
 
+#include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
 #include "ZAXFeatObjectPrivate.h"
 
@@ -62,7 +63,8 @@ QVariant ZAXFeatValuePropertyBase::GetLastSavedValue() const
 
 void ZAXFeatValuePropertyBase::SetLastSavedValue(const QVariant& value)
 {
-    if (GetPropertyIndex() < 0)
+    const auto* const container = ZAXFeatObjectPrivate::Get(*GetFeature()).container;
+    if (GetPropertyIndex() < 0 || (container && ZAXFeatContainerPrivate::Get(*container).isRestoring))
         return;
     const QMetaObject* const type = GetFeature()->metaObject();
     ZAXFeatLastSavedStore::GetCurrent().SetValue(type->className(), type->property(GetPropertyIndex()).name(), value);

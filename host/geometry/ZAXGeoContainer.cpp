@@ -52,7 +52,8 @@ ZAXGeoContainer::~ZAXGeoContainer() = default;
 
 ZAXGeoGeometry* ZAXGeoContainer::GetGeometryByRef(const ZAXGeoGeometryRef& reference) const
 {
-    return d_ptr->geometries.value(reference.GetId());
+    ZAXGeoGeometry* const geometry = d_ptr->geometries.value(reference.GetId());
+    return geometry || !d_ptr->findsAside ? geometry : d_ptr->aside.value(reference.GetId());
 }
 
 QList<ZAXGeoGeometry*> ZAXGeoContainer::GetGeometries() const

@@ -21,6 +21,10 @@ public:
     void Remove(quint64 id, const ZAXGeoGeometry* geometry);
 
     QHash<quint64, ZAXGeoGeometry*> geometries;
+    /// Geometries that are kept although they were removed. References find them only while former states, from
+    /// when they had not been, are restored.
+    QHash<quint64, ZAXGeoGeometry*> aside;
+    bool findsAside = false;
     quint64 lastId = 0;
 };
 

@@ -1,0 +1,314 @@
+#include "ZAXHostUndo.h"
+
+#include "ZAXFeatContainerPrivate.h"
+#include "ZAXFeatObject.h"
+#include "ZAXFeatObjectPrivate.h"
+#include "ZAXGeoContainerPrivate.h"
+#include "ZAXHostTransaction.h"
+#include "ZAXHostUndoStep.h"
+#include "ZAXSysException.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+#include <QScopeGuard>
+#include <QUndoCommand>
+#include <QUndoStack>
+
+namespace {
+
+Q_LOGGING_CATEGORY(logUndo, "zax.host.undo")
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("ZAXHostUndo", text);
+}
+
+} // namespace
+
+class ZAXHostUndoPrivate : public ZAXFeatChangeObserver
+{
+public:
+    ZAXHostUndoPrivate()
+    {
+        QObject::connect(&stack, &QUndoStack::indexChanged, &stack, [this] { FreeDiscarded(); });
+    }
+
+    void BeginStep() override { ++depth; }
+    void EndStep() override;
+    void AboutToChange(ZAXFeatObject* feature) override;
+    void Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to) override;
+    void Destroyed(ZAXFeatObject* feature) override;
+    bool KeepsRemoved() const override { return true; }
+
+    bool IsBusy() const
+    {
+        return isInTransaction || depth > 0 || isRestoring || ZAXFeatContainerPrivate::Get(*container).signalDepth > 0;
+    }
+    ZAXHostResult Refusal() const { return ZAXHostResult::Failed(Tr("A change of the document is still under way.")); }
+    ZAXHostResult Run(void (QUndoStack::*operation)());
+
+    /// Puts what was recorded on the stack as one step, called \a text or what it does.
+    void PushRecorded(const QString& text);
+    /// Takes what was recorded back.
+    void RollBackRecorded();
+    /// Does \a step in \a direction, or leaves everything as it is and throws.
+    void Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// The features that a step kept are no longer needed: they go as soon as the stack is in order.
+    void Discard(const QList<quint64>& ids) { discarded += ids; }
+    void FreeDiscarded();
+
+    ZAXFeatContainer* container = nullptr;
+    /// What happened in the step or the transaction that is under way.
+    ZAXHostUndoStep recorded;
+    /// What slots changed while a state is restored.
+    ZAXHostUndoStep foreign;
+    const ZAXHostUndoStep* restored = nullptr;
+    QList<quint64> discarded;
+    int depth = 0;
+    bool isInTransaction = false;
+    bool isRestoring = false;
+    bool isPushing = false;
+
+    QUndoStack stack;
+};
+
+namespace {
+
+class Command : public QUndoCommand
+{
+public:
+    Command(ZAXHostUndoPrivate* undo, const ZAXHostUndoStep& step, const QString& text)
+        : QUndoCommand(text), m_undo(undo), m_step(step)
+    {
+    }
+    ~Command() override { m_undo->Discard(m_step.Keeps(m_lastDirection)); }
+
+    void undo() override { Go(ZAXHostUndoStep::Back); }
+    void redo() override
+    {
+        // Pushing a command calls this too, when everything is done already.
+        if (!m_undo->isPushing)
+            Go(ZAXHostUndoStep::Forth);
+    }
+
+private:
+    void Go(ZAXHostUndoStep::Direction direction)
+    {
+        if (m_undo->IsBusy())
+            throw ZAXSysException(m_undo->Refusal().GetMessage());
+        m_undo->Restore(m_step, direction);
+        m_lastDirection = direction;
+    }
+
+    ZAXHostUndoPrivate* m_undo;
+    ZAXHostUndoStep m_step;
+    ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
+};
+
+} // namespace
+
+void ZAXHostUndoPrivate::EndStep()
+{
+    if (--depth > 0 || isInTransaction || isRestoring)
+        return;
+    PushRecorded(QString());
+}
+
+void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
+{
+    // What is not announced yet is not there yet for undo: it comes with all that it has then.
+    if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
+        return;
+    if (!isRestoring)
+        recorded.AddState(feature);
+    else if (!restored->HasState(feature->GetId()))
+        foreign.AddState(feature);
+}
+
+void ZAXHostUndoPrivate::Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to)
+{
+    (isRestoring ? foreign : recorded).AddPlacing(feature, from, to);
+}
+
+void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
+{
+    recorded.Forget(feature->GetId());
+    foreign.Forget(feature->GetId());
+}
+
+void ZAXHostUndoPrivate::PushRecorded(const QString& text)
+{
+    ZAXHostUndoStep step = std::exchange(recorded, {});
+    step.Close(*container);
+    if (step.IsEmpty())
+        return;
+    {
+        isPushing = true;
+        const auto pushed = qScopeGuard([this] { isPushing = false; });
+        stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
+    }
+    FreeDiscarded();
+}
+
+void ZAXHostUndoPrivate::RollBackRecorded()
+{
+    ZAXHostUndoStep step = std::exchange(recorded, {});
+    step.Close(*container);
+    if (step.IsEmpty())
+        return;
+    Restore(step, ZAXHostUndoStep::Back);
+    Discard(step.Keeps(ZAXHostUndoStep::Back));
+    FreeDiscarded();
+}
+
+void ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+{
+    auto& features = ZAXFeatContainerPrivate::Get(*container);
+    auto& geometries = ZAXGeoContainerPrivate::Get(*container);
+    restored = &step;
+    isRestoring = features.isRestoring = geometries.findsAside = true;
+    const auto done = qScopeGuard([&] {
+        isRestoring = features.isRestoring = geometries.findsAside = false;
+        restored = nullptr;
+        foreign = {};
+    });
+    const auto takeForeignBack = [&] {
+        ZAXHostUndoStep slotChanges = std::exchange(foreign, {});
+        slotChanges.Close(*container);
+        slotChanges.Apply(*container, ZAXHostUndoStep::Back);
+        Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
+        step.Settle(*container, direction);
+    };
+    try {
+        step.Apply(*container, direction);
+        takeForeignBack();
+    } catch (const std::exception& exception) {
+        qCWarning(logUndo, "A state could not be restored: %s", exception.what());
+        foreign = {};
+        step.Apply(*container, direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth);
+        throw;
+    }
+}
+
+void ZAXHostUndoPrivate::FreeDiscarded()
+{
+    if (isPushing || isRestoring || !container)
+        return;
+    const auto ids = std::exchange(discarded, {});
+    for (const quint64 id : ids) {
+        ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, id);
+        if (feature && ZAXFeatObjectPrivate::Get(*feature).isAside)
+            ZAXFeatObjectPrivate::Get(*feature).Discard();
+    }
+}
+
+ZAXHostResult ZAXHostUndoPrivate::Run(void (QUndoStack::*operation)())
+{
+    if (IsBusy())
+        return Refusal();
+    try {
+        (stack.*operation)();
+    } catch (const ZAXSysException& exception) {
+        return ZAXHostResult::Failed(exception.GetMessage());
+    }
+    FreeDiscarded();
+    return ZAXHostResult::Done();
+}
+
+ZAXHostUndo::ZAXHostUndo(ZAXFeatContainer* container) : d_ptr(std::make_unique<ZAXHostUndoPrivate>())
+{
+    SetContainer(container);
+}
+
+ZAXHostUndo::~ZAXHostUndo()
+{
+    SetContainer(nullptr);
+}
+
+void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
+{
+    if (d_ptr->container) {
+        d_ptr->stack.clear();
+        d_ptr->FreeDiscarded();
+        ZAXFeatContainerPrivate::Get(*d_ptr->container).observer = nullptr;
+    }
+    d_ptr->container = container;
+    d_ptr->recorded = {};
+    d_ptr->discarded.clear();
+    if (container)
+        ZAXFeatContainerPrivate::Get(*container).observer = d_ptr.get();
+}
+
+QUndoStack* ZAXHostUndo::GetStack() const
+{
+    return &d_ptr->stack;
+}
+
+bool ZAXHostUndo::IsBusy() const
+{
+    return d_ptr->IsBusy();
+}
+
+ZAXHostResult ZAXHostUndo::Undo()
+{
+    return d_ptr->Run(&QUndoStack::undo);
+}
+
+ZAXHostResult ZAXHostUndo::Redo()
+{
+    return d_ptr->Run(&QUndoStack::redo);
+}
+
+ZAXHostResult ZAXHostUndo::Clear()
+{
+    return d_ptr->Run(&QUndoStack::clear);
+}
+
+ZAXHostTransaction::ZAXHostTransaction(ZAXHostUndo& undo, const QString& text)
+    : m_undo(&undo), m_text(text), m_isOpen(!undo.IsBusy())
+{
+    if (m_isOpen)
+        undo.d_ptr->isInTransaction = true;
+    else
+        m_result = undo.d_ptr->Refusal();
+}
+
+ZAXHostTransaction::~ZAXHostTransaction()
+{
+    if (!m_isOpen)
+        return;
+    try {
+        if (const auto result = Rollback(); !result)
+            qCWarning(logUndo, "A transaction was not rolled back: %s", qUtf8Printable(result.GetMessage()));
+    } catch (const std::exception& exception) {
+        qCWarning(logUndo, "A transaction was not rolled back: %s", exception.what());
+    }
+}
+
+ZAXHostResult ZAXHostTransaction::Close()
+{
+    if (!m_isOpen)
+        return m_result ? ZAXHostResult::Failed(Tr("The transaction is closed.")) : m_result;
+    auto& undo = *m_undo->d_ptr;
+    if (undo.depth > 0 || undo.isRestoring || ZAXFeatContainerPrivate::Get(*undo.container).signalDepth > 0)
+        return undo.Refusal();
+    m_isOpen = false;
+    undo.isInTransaction = false;
+    return ZAXHostResult::Done();
+}
+
+ZAXHostResult ZAXHostTransaction::Commit()
+{
+    const auto result = Close();
+    if (result)
+        m_undo->d_ptr->PushRecorded(m_text);
+    return result;
+}
+
+ZAXHostResult ZAXHostTransaction::Rollback()
+{
+    const auto result = Close();
+    if (result)
+        m_undo->d_ptr->RollBackRecorded();
+    return result;
+}

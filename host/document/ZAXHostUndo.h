@@ -1,0 +1,56 @@
+#ifndef ZAXHOSTUNDO_H
+#define ZAXHOSTUNDO_H
+
+#include "ZAXHostExport.h"
+#include "ZAXHostResult.h"
+
+#include <memory>
+
+class QUndoStack;
+class ZAXFeatContainer;
+class ZAXHostUndoPrivate;
+
+/// Undo and redo for the features of a document.
+///
+/// Every change of a feature, silent or not, is recorded: of its state, and of its place in the tree. What the host
+/// does as one operation (creating, removing, moving, duplicating, labelling, setting a property) is one step on the
+/// stack, and so is all that happens within a ZAXHostTransaction. A step that changes nothing in the end is dropped.
+///
+/// Steps hold ids and bytes. A removed feature waits aside, at its address and with its subtree, as long as a step can
+/// bring it back. Restoring a state goes through ZAXGeoGeometry::SetCurrentState(), with signals; it records nothing
+/// and leaves the last-saved values alone, and what slots change meanwhile is taken back.
+class ZAXHOST_EXPORT ZAXHostUndo
+{
+public:
+    /// Records the changes of \a container, which must outlive this.
+    explicit ZAXHostUndo(ZAXFeatContainer* container);
+    /// Frees what waits aside.
+    ~ZAXHostUndo();
+    ZAXHostUndo(const ZAXHostUndo&) = delete;
+    ZAXHostUndo& operator=(const ZAXHostUndo&) = delete;
+
+    /// Forgets all steps and records the changes of \a container instead.
+    void SetContainer(ZAXFeatContainer* container);
+
+    /// The stack, for actions, a view, the clean mark and the limit. Its own undo(), redo() and setIndex() throw a
+    /// ZAXSysException where Undo() and Redo() would refuse; never call its clear(), but Clear().
+    QUndoStack* GetStack() const;
+
+    /// True while a change or a transaction is under way, a change is being told about, or a state is being restored:
+    /// Undo(), Redo(), Clear() and a new transaction are refused with a message then, and do nothing.
+    bool IsBusy() const;
+
+    /// Takes the last step back; done, and nothing happens, when there is none. Fails as well when a feature does
+    /// not take its former state: the document and the stack are then as before.
+    ZAXHostResult Undo();
+    /// Does again what Undo() took back last; done, and nothing happens, when there is nothing to.
+    ZAXHostResult Redo();
+    /// Forgets all steps; the present state counts as clean.
+    ZAXHostResult Clear();
+
+private:
+    friend class ZAXHostTransaction;
+    std::unique_ptr<ZAXHostUndoPrivate> d_ptr;
+};
+
+#endif
