@@ -20,7 +20,7 @@ class ZAXGEOMETRY_EXPORT ZAXGeoContainer : public QObject
 
 public:
     explicit ZAXGeoContainer(QObject* parent = nullptr);
-    /// Geometries that still live in the container lose their identity; the container does not own them.
+    /// The container does not own its geometries: those that still live are without a container from now on.
     ~ZAXGeoContainer() override;
 
     /// The geometry that \a reference refers to; null for an invalid reference, one to another container's geometry

@@ -29,9 +29,9 @@ public:
     ZAXGeoGeometry(const ZAXGeoGeometryRef& reference, ZAXGeoContainer* container);
     ~ZAXGeoGeometry() override;
 
-    /// The container that the geometry lives in; null for a geometry without identity.
+    /// The container that the geometry lives in; null for one made without a container and once that is gone.
     ZAXGeoContainer* GetContainer() const;
-    /// The id within the container, 0 without a container. Never changes.
+    /// The id within the container, 0 for a geometry made without one. Never changes.
     quint64 GetId() const;
 
     /// Keeps the geometry in memory until the matching RemoveReference(), even when it is removed meanwhile.
@@ -53,7 +53,8 @@ public:
     /// Called after Load() once all geometries loaded together have been read, so that references can be resolved.
     virtual void EndStateLoad();
     /// Brings the geometry back to a state of GetCurrentState(): BeginStateLoad(), Load(), EndStateLoad().
-    /// \throws ZAXSysException when \a state cannot be read.
+    /// \throws ZAXSysException when \a state cannot be read. What is no state at all changes nothing; of one whose
+    /// fields are damaged the geometry keeps what was read, and EndStateLoad() is not called.
     virtual void SetCurrentState(const QByteArray& state);
     /// Takes leave of whatever the geometry keeps outside itself; called while it is whole, before it is removed.
     virtual void Cleanup();

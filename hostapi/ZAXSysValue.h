@@ -24,7 +24,7 @@ public:
     /// Reads a number with an optional unit of \a quantity ("2 mm", "0.5 in", "2700 kg/m³", "1,5") and gives it in the
     /// internal unit. The decimal sign is a point or a comma whatever the locale, there is no grouping of digits, and
     /// a bare number counts in the internal unit. Empty for anything else: other text, a unit of another quantity, a
-    /// number that is not finite. Every text of ToString() is read back to the same double.
+    /// number that is not finite. The ToString() text of every finite value is read back to the same double.
     static std::optional<double> FromString(ZAXSysQuantity quantity, const QString& text);
 
     ZAXSysQuantity GetQuantity() const noexcept { return m_quantity; }
@@ -32,8 +32,9 @@ public:
     double GetValue() const noexcept { return m_value; }
     explicit operator double() const noexcept { return m_value; }
 
-    /// The number and its internal unit, "2 mm" or "7.85 g/cm³": independent of the locale, and the shortest text
-    /// that reads back to exactly the same double.
+    /// The number and its internal unit, "2 mm" or "7.85 g/cm³": independent of the locale, and with as few digits as
+    /// read back to exactly the same double. From 1e-6 up to 1e15 there is no exponent. A quantity that the host does
+    /// not know has no unit.
     QString ToString() const;
 
     /// Equal quantity and equal number, without any tolerance.

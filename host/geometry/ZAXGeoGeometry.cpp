@@ -12,6 +12,21 @@ namespace {
 
 constexpr auto stateStreamVersion = QDataStream::Qt_6_4;
 
+/// Reads the table of references of a state. Not the operator of QList, which makes room for whatever number a
+/// damaged state claims.
+QList<ZAXGeoGeometryRef> ReadReferences(QDataStream& data)
+{
+    QList<ZAXGeoGeometryRef> references;
+    quint32 count = 0;
+    data >> count;
+    for (quint32 i = 0; i < count && data.status() == QDataStream::Ok; ++i) {
+        ZAXGeoGeometryRef reference;
+        data >> reference;
+        references.append(reference);
+    }
+    return references;
+}
+
 } // namespace
 
 void ZAXGeoGeometryPrivate::Discard(ZAXGeoGeometry* geometry)
@@ -93,11 +108,11 @@ QByteArray ZAXGeoGeometry::GetCurrentState() const
 
 void ZAXGeoGeometry::SetCurrentState(const QByteArray& state)
 {
-    QList<ZAXGeoGeometryRef> references;
-    QByteArray payload;
     QDataStream data(state);
     data.setVersion(stateStreamVersion);
-    data >> references >> payload;
+    const QList<ZAXGeoGeometryRef> references = ReadReferences(data);
+    QByteArray payload;
+    data >> payload;
     if (data.status() != QDataStream::Ok || !data.atEnd())
         throw ZAXSysException(QLatin1String("The state of the object cannot be read."));
     ZAXGeoStream stream(GetContainer(), payload, references);

@@ -8,8 +8,9 @@ namespace {
 
 QList<std::function<void(const void*)>>& Releases()
 {
-    static QList<std::function<void(const void*)>> releases;
-    return releases;
+    // Never destroyed: modules may leave after the statics of this library are gone.
+    static auto* const releases = new QList<std::function<void(const void*)>>;
+    return *releases;
 }
 
 } // namespace

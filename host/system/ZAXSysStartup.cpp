@@ -3,6 +3,8 @@
 #include "ZAXSysModules.h"
 #include "ZAXSysRegisterInit.h"
 
+#include <QScopedValueRollback>
+
 #include <deque>
 
 namespace {
@@ -24,6 +26,7 @@ struct Startup
 
     std::deque<Queued> queue;
     bool isStarted = false;
+    bool isRunning = false;
 };
 
 Startup& Instance()
@@ -51,6 +54,9 @@ void ZAXSysStartup::Start()
 {
     auto& startup = Instance();
     startup.isStarted = true;
+    if (startup.isRunning)
+        return;
+    const QScopedValueRollback running(startup.isRunning, true);
     while (!startup.queue.empty()) {
         const Queued next = std::move(startup.queue.front());
         startup.queue.pop_front();

@@ -7,8 +7,8 @@
 namespace ZAXSysStartup {
 
 /// Starts the host: runs the queued functions in the order in which they were queued, those queued meanwhile
-/// included. Calling it again does nothing. An exception of a function passes through; the functions behind it run
-/// at the next call.
+/// included. Calling it again, or from one of them, does nothing. An exception of a function passes through; the
+/// functions behind it run at the next call.
 ZAXSYSTEM_EXPORT void Start();
 
 /// True from the moment Start() is entered.

@@ -27,6 +27,7 @@ constexpr std::array units{
     Unit{ZAXSysQuantity::Length, "dm", 100, 1},
     Unit{ZAXSysQuantity::Length, "m", 1000, 1},
     Unit{ZAXSysQuantity::Length, "µm", 1, 1000},
+    Unit{ZAXSysQuantity::Length, "μm", 1, 1000}, // the Greek letter, as some keyboards give it
     Unit{ZAXSysQuantity::Length, "um", 1, 1000},
     Unit{ZAXSysQuantity::Length, "in", 254, 10},
     Unit{ZAXSysQuantity::Length, "inch", 254, 10},
@@ -64,6 +65,13 @@ const Unit* FindUnit(ZAXSysQuantity quantity, QStringView name)
     const auto* const unit = std::ranges::find_if(
         units, [&](const Unit& candidate) { return candidate.quantity == quantity && utf8 == candidate.name; });
     return unit != units.end() ? unit : nullptr;
+}
+
+double ToInternal(double number, const Unit& unit)
+{
+    const double value = number * unit.numerator / unit.denominator;
+    // Only the product may be too large for a double.
+    return std::isfinite(value) ? value : number / unit.denominator * unit.numerator;
 }
 
 qsizetype SkipDigits(QStringView text, qsizetype from)
@@ -109,7 +117,7 @@ std::optional<double> ZAXSysValue::FromString(ZAXSysQuantity quantity, const QSt
     const double number = trimmed.first(length).toLatin1().replace(',', '.').toDouble(&ok);
     if (!unit || !ok)
         return std::nullopt;
-    const double value = number * unit->numerator / unit->denominator;
+    const double value = ToInternal(number, *unit);
     return std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
@@ -118,7 +126,9 @@ QString ZAXSysValue::ToString() const
     // The shortest form turns to exponents early (1e+06); lengths and densities of real parts are written out.
     const double magnitude = std::abs(m_value);
     const char format = magnitude == 0.0 || (magnitude >= 1e-6 && magnitude < 1e15) ? 'f' : 'g';
-    const QString number = QString::number(m_value, format, QLocale::FloatingPointShortest);
+    // QString::number() drops the sign of a negative zero.
+    const QString number = magnitude == 0.0 ? QLatin1String(std::signbit(m_value) ? "-0" : "0")
+                                            : QString::number(m_value, format, QLocale::FloatingPointShortest);
     const Unit* const unit = InternalUnit(m_quantity);
     return unit ? number + u' ' + QString::fromUtf8(unit->name) : number;
 }
