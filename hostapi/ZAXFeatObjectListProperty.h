@@ -119,14 +119,15 @@ private:
     int m_removedSignal;
 };
 
-/// Writes the number of items as a qint32, then the reference of each object, an invalid one for null.
+/// Writes the number of items as a qint32, then the reference of each object; for null an invalid one, or that of an
+/// object that could not be brought along at the last load.
 template <typename T>
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatObjectListProperty<T>& list)
 {
-    const QList<T*> objects = list.GetObjects();
-    stream.GetDataStream() << static_cast<qint32>(objects.size());
-    for (const T* object : objects)
-        stream.GetDataStream() << ZAXGeoGeometryRef(object);
+    const auto items = list.GetItems();
+    stream.GetDataStream() << static_cast<qint32>(items.size());
+    for (const auto* item : items)
+        stream.GetDataStream() << item->GetReference();
     return stream;
 }
 
@@ -149,6 +150,8 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& lis
         if (!object && reference.IsValid())
             throw ZAXGeoGeometryNotFoundException(reference);
         list.Add(object, false);
+        if (!object && !list.GetItems().isEmpty())
+            list.GetItems().constLast()->SetUnavailableReference(stream.MapReference(stored));
     }
     return stream;
 }

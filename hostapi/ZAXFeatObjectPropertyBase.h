@@ -2,6 +2,7 @@
 #define ZAXFEATOBJECTPROPERTYBASE_H
 
 #include "ZAXFeatPropertyBase.h"
+#include "ZAXGeoGeometryRef.h"
 
 class ZAXFeatObjectListPropertyBase;
 
@@ -23,6 +24,12 @@ public:
     virtual bool CanExternalReference(ZAXFeatObject* object);
 
     ZAXFeatObject* GetPointedObject() const;
+
+    /// The reference to store: to the feature pointed at, or else to the one that could not be brought along at the
+    /// last load; invalid for none.
+    ZAXGeoGeometryRef GetReference() const;
+    /// Keeps the reference to a feature that could not be brought along, until the property is pointed elsewhere.
+    void SetUnavailableReference(const ZAXGeoGeometryRef& reference);
 
 protected:
     ZAXFeatObjectPropertyBase(ZAXFeatObject* feature, bool isInput);

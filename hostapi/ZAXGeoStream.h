@@ -44,11 +44,17 @@ public:
     /// The version of the class \a type in this program: its own "version" class information, 1 when it has none.
     static int GetCurrentVersion(const QMetaObject* type);
 
-    /// Maps a reference as read from this stream to the geometry that stands for it in the container: the reference
-    /// itself unless SetReferenceMap() says otherwise. May be invalid, for a geometry that could not be brought along.
+    /// Maps a reference as read from this stream to the geometry that stands for it in the container. Invalid for an
+    /// invalid reference, and for one to a geometry that could not be brought along; MapReference() then tells what
+    /// to write when the reference is saved again.
     ZAXGeoGeometryRef GetMappedReference(const ZAXGeoGeometryRef& reference) const;
-    /// Sets what GetMappedReference() answers for valid references; an invalid one maps to itself always.
+    /// Maps a reference whether its geometry could be brought along or not: to itself unless SetReferenceMap() says
+    /// otherwise.
+    ZAXGeoGeometryRef MapReference(const ZAXGeoGeometryRef& reference) const;
+    /// Sets what MapReference() answers for valid references; an invalid one maps to itself always.
     void SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map);
+    /// Sets which mapped references lead to geometries that could not be brought along, beside those to placeholders.
+    void SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable);
 
     /// The stream of the fields. What goes wrong while reading shows in its status.
     QDataStream& GetDataStream();

@@ -20,7 +20,9 @@ constexpr quint16 formatVersion = 1;
 constexpr quint16 leastReaderVersion = 1;
 constexpr quint32 objectTag = 0x4f424a20; // "OBJ "
 constexpr quint32 endTag = 0x454e4420;    // "END "
+constexpr qsizetype tagSize = sizeof(quint32);
 constexpr qsizetype checksumSize = sizeof(quint32);
+constexpr qsizetype endSize = tagSize + 2 * sizeof(quint64) + checksumSize;
 
 QString Tr(const char* text)
 {
@@ -61,10 +63,11 @@ private:
     QDataStream m_data;
 };
 
-QByteArray EncodeBody(const ZAXHostDocumentRecord& record, quint32 classIndex)
+QByteArray EncodeBody(const ZAXHostDocumentRecord& record)
 {
     Writer body;
-    body << classIndex << record.id << record.parent << record.place << static_cast<quint32>(record.references.size());
+    body << record.classIndex << record.id << record.parent << record.place
+         << static_cast<quint32>(record.references.size());
     for (const ZAXGeoGeometryRef& reference : record.references)
         body << reference.GetId();
     body.Sized(record.payload);
@@ -83,7 +86,11 @@ public:
         const QByteArrayView bytes = Take(sizeof(T));
         return bytes.isEmpty() ? T(0) : qFromBigEndian<T>(bytes.data());
     }
-    QByteArray Sized() { return Take(Number<quint32>()).toByteArray(); }
+    QByteArray Sized()
+    {
+        const auto size = Number<quint32>();
+        return Take(size).toByteArray();
+    }
     QByteArrayView Take(qsizetype size)
     {
         if (!m_isGood || size > Left()) {
@@ -103,6 +110,7 @@ private:
     bool m_isGood = true;
 };
 
+/// Reads a file from front to back. What is not whole is noted and passed over, up to the next frame that is.
 class Decoder
 {
 public:
@@ -112,37 +120,26 @@ public:
     {
         if (const auto result = ReadHeader(); !result)
             return result;
-        while (true) {
-            const qsizetype start = m_reader.Position();
-            const auto tag = m_reader.Number<quint32>();
-            if (tag == endTag)
-                break;
-            if (!m_reader.IsGood())
-                return Damaged(start, Tr("the file ends too early"));
-            if (tag != objectTag)
-                return Damaged(start, Tr("an object was expected"));
-            if (const auto result = ReadObject(start); !result)
-                return result;
-        }
-        if (const auto result = ReadEnd(); !result)
-            return result;
+        qsizetype position = m_reader.Position();
+        while (position < m_bytes.size() && !m_isEnded)
+            position = ReadFrame(position);
+        if (!m_isEnded)
+            NoteDamage(m_bytes.size(), 0, Tr("the file ends too early"));
+        else if (position < m_bytes.size())
+            NoteDamage(position, m_bytes.size() - position, Tr("there is something behind the end"));
         image = std::move(m_image);
         return ZAXHostResult::Done();
     }
 
 private:
-    ZAXHostResult Damaged(qsizetype position, const QString& what) const
+    ZAXHostDocumentDamage& NoteDamage(qsizetype position, qsizetype size, const QString& what)
     {
-        return ZAXHostResult::Failed(
-            Tr("The document is damaged at byte %1: %2.").arg(QString::number(position), what));
-    }
-
-    /// Reads a checksum and compares it with everything since \a from.
-    bool IsSumRight(qsizetype from)
-    {
-        const qsizetype end = m_reader.Position();
-        const auto sum = m_reader.Number<quint32>();
-        return m_reader.IsGood() && sum == Checksum(m_bytes.data() + from, end - from);
+        m_image.damages.append({position,
+                                size,
+                                0,
+                                {},
+                                Tr("The document is damaged at byte %1: %2.").arg(QString::number(position), what)});
+        return m_image.damages.last();
     }
 
     ZAXHostResult ReadHeader()
@@ -154,88 +151,194 @@ private:
                                             "transfer as text."));
         m_reader.Number<quint16>();
         const auto leastReader = m_reader.Number<quint16>();
+        m_image.documentId = QUuid::fromRfc4122(m_reader.Take(16));
+        m_image.lastId = m_reader.Number<quint64>();
+        const auto classes = m_reader.Number<quint32>();
+        for (quint32 i = 0; i < classes && m_reader.IsGood(); ++i) {
+            const QByteArray name = m_reader.Sized();
+            const auto version = static_cast<int>(m_reader.Number<quint32>());
+            const auto base = static_cast<qint32>(m_reader.Number<quint32>());
+            m_image.classes.append({name, version, base});
+        }
+        const qsizetype end = m_reader.Position();
+        const auto sum = m_reader.Number<quint32>();
+        const bool isWhole = m_reader.IsGood() && sum == Checksum(m_bytes.data(), end);
+        // A newer format may have a header that only its readers can check.
         if (leastReader > formatVersion)
             return ZAXHostResult::Failed(
                 Tr("The document was written by a newer program: reading it takes format %1, this program knows "
                    "format %2.")
                     .arg(QString::number(leastReader), QString::number(formatVersion)));
-        m_image.documentId = QUuid::fromRfc4122(m_reader.Take(16));
-        m_image.lastId = m_reader.Number<quint64>();
-        const auto classes = m_reader.Number<quint32>();
-        for (quint32 i = 0; i < classes && m_reader.IsGood(); ++i) {
-            m_classNames.append(m_reader.Sized());
-            m_image.versions.insert(m_classNames.constLast(), static_cast<int>(m_reader.Number<quint32>()));
-        }
-        if (!IsSumRight(0))
-            return Damaged(0, Tr("the header is not what was written"));
+        if (!isWhole || !AreClassesInOrder())
+            return ZAXHostResult::Failed(Tr("The document is damaged at byte %1: %2.")
+                                             .arg(QString::number(0), Tr("the header is not what was written")));
         return ZAXHostResult::Done();
     }
 
-    ZAXHostResult ReadObject(qsizetype start)
+    bool AreClassesInOrder() const
     {
-        const QByteArrayView body = m_reader.Take(m_reader.Number<quint32>());
-        if (!IsSumRight(start))
-            return Damaged(start, Tr("the object is not what was written"));
-        Reader reader(body);
+        for (qsizetype i = 0; i < m_image.classes.size(); ++i) {
+            const qint32 base = m_image.classes.at(i).base;
+            if (base < -1 || base >= i)
+                return false;
+        }
+        return true;
+    }
+
+    /// Reads the frame at \a start, or notes why it cannot; returns where the next one starts.
+    qsizetype ReadFrame(qsizetype start)
+    {
+        Reader reader(m_bytes, start);
+        const auto tag = reader.Number<quint32>();
+        if (tag == endTag && reader.Left() >= endSize - tagSize)
+            return ReadEnd(start);
+        const qsizetype next = tag == objectTag ? EndOfObject(start) : -1;
+        if (next >= 0) {
+            ReadObject(start, next);
+            return next;
+        }
+        const qsizetype found = FindFrame(start + 1);
+        NoteDamage(start, found - start, Tr("the object is not what was written"));
+        return found;
+    }
+
+    /// Where the object frame at \a start ends; -1 when it is not whole.
+    qsizetype EndOfObject(qsizetype start)
+    {
+        Reader reader(m_bytes, start + tagSize);
+        const auto size = reader.Number<quint32>();
+        if (!reader.IsGood() || size > static_cast<quint64>(reader.Left()))
+            return -1;
+        reader.Take(size);
+        // Damage can look like the start of ever so many frames; checking them must not take for ever.
+        m_checked += size;
+        if (m_checked > 16 * m_bytes.size())
+            return -1;
+        const qsizetype end = reader.Position();
+        const auto sum = reader.Number<quint32>();
+        return reader.IsGood() && sum == Checksum(m_bytes.data() + start, end - start) ? reader.Position() : -1;
+    }
+
+    /// Where the next whole object, or what looks like the end of the file, starts from \a position on.
+    qsizetype FindFrame(qsizetype position)
+    {
+        for (; position < m_bytes.size(); ++position) {
+            Reader reader(m_bytes, position);
+            const auto tag = reader.Number<quint32>();
+            if (tag == endTag && m_bytes.size() - position == endSize)
+                break;
+            if (tag == objectTag && EndOfObject(position) >= 0)
+                break;
+        }
+        return position;
+    }
+
+    void ReadObject(qsizetype start, qsizetype next)
+    {
+        Reader reader(m_bytes.first(next - checksumSize), start + tagSize + static_cast<qsizetype>(sizeof(quint32)));
         ZAXHostDocumentRecord record;
-        const auto classIndex = reader.Number<quint32>();
-        record.className = m_classNames.value(classIndex);
+        record.classIndex = reader.Number<quint32>();
         record.id = reader.Number<quint64>();
         record.parent = reader.Number<quint64>();
         record.place = reader.Number<quint32>();
         const auto references = reader.Number<quint32>();
-        if (references > static_cast<quint64>(reader.Left()) / sizeof(quint64))
-            return Damaged(start, Tr("the object has more references than room for them"));
-        for (quint32 i = 0; i < references; ++i)
+        const bool hasRoom = references <= static_cast<quint64>(reader.Left()) / sizeof(quint64);
+        for (quint32 i = 0; i < references && hasRoom; ++i)
             record.references.append(ZAXGeoGeometryRef::FromId(reader.Number<quint64>()));
         record.payload = reader.Sized();
-        if (!reader.IsGood() || reader.Left() > 0 || record.className.isEmpty())
-            return Damaged(start, Tr("the object cannot be read"));
-        return Place(start, std::move(record));
+        QString why;
+        if (!hasRoom)
+            why = Tr("the object has more references than room for them");
+        else if (!reader.IsGood() || reader.Left() > 0 || record.classIndex >= m_image.classes.size())
+            why = Tr("the object cannot be read");
+        else
+            why = Place(record);
+        if (!why.isEmpty()) {
+            auto& damage = NoteDamage(start, next - start, why);
+            damage.id = record.id;
+            damage.className = m_image.classes.value(record.classIndex).name;
+        }
     }
 
     /// Adds \a record where it says it belongs: under an object read before it, behind its siblings read so far.
-    ZAXHostResult Place(qsizetype start, ZAXHostDocumentRecord record)
+    /// Returns why it is not what a writer would have written; empty if it is.
+    QString Place(ZAXHostDocumentRecord& record)
     {
         if (record.id == 0 || record.id > m_image.lastId)
-            return Damaged(start, Tr("the object has an id that was never given"));
+            return Tr("the object has an id that was never given");
         if (m_nesting.contains(record.id))
-            return Damaged(start, Tr("two objects have the id %1").arg(record.id));
-        if (record.parent != 0 && !m_nesting.contains(record.parent))
-            return Damaged(start, Tr("the parent of the object does not precede it"));
-        if (record.place != m_children[record.parent]++)
-            return Damaged(start, Tr("the objects are not in their order"));
+            return Tr("two objects have the id %1").arg(record.id);
+        if (m_children.contains(record.id))
+            return Tr("the parent of the object %1 does not precede it").arg(record.id);
         const int nesting = m_nesting.value(record.parent) + 1;
         if (nesting > ZAXHostDocumentCodec::maximumNesting)
-            return Damaged(start, Tr("the objects are nested too deeply"));
+            return Tr("the objects are nested too deeply");
+        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
+        quint32& next = m_children[record.parent];
+        const bool isInOrder = record.place == next;
+        next = record.place + 1;
         m_nesting.insert(record.id, nesting);
-        m_image.records.append(std::move(record));
-        return ZAXHostResult::Done();
+        m_image.records.append(record);
+        // What is missing was noted where it was damaged; if nothing was, the writer was at fault.
+        if (!hasParent && m_image.damages.isEmpty())
+            return Tr("the parent of the object %1 does not precede it").arg(record.id);
+        if (!isInOrder && m_image.damages.isEmpty())
+            return Tr("the objects are not in their order");
+        return {};
     }
 
-    ZAXHostResult ReadEnd()
+    qsizetype ReadEnd(qsizetype start)
     {
-        const qsizetype start = m_reader.Position();
-        const auto count = m_reader.Number<quint64>();
-        const auto size = m_reader.Number<quint64>();
-        if (!IsSumRight(0))
-            return Damaged(start, Tr("the document is not what was written"));
-        if (count != static_cast<quint64>(m_image.records.size()))
-            return Damaged(start, Tr("objects are missing"));
-        if (size != static_cast<quint64>(m_reader.Position()) || m_reader.Left() > 0)
-            return Damaged(m_reader.Position(), Tr("there is something behind the end"));
-        return ZAXHostResult::Done();
+        Reader reader(m_bytes, start + tagSize);
+        const auto count = reader.Number<quint64>();
+        const auto size = reader.Number<quint64>();
+        const auto sum = reader.Number<quint32>();
+        m_isEnded = true;
+        // With damage before it, the end cannot be right.
+        if (!m_image.damages.isEmpty())
+            return reader.Position();
+        if (sum != Checksum(m_bytes.data(), start + endSize - checksumSize))
+            NoteDamage(start, endSize, Tr("the end is not what was written"));
+        else if (count != static_cast<quint64>(m_image.records.size()))
+            NoteDamage(start, endSize, Tr("objects are missing"));
+        else if (size != static_cast<quint64>(reader.Position()))
+            NoteDamage(start, endSize, Tr("the file is longer or shorter than what was written"));
+        return reader.Position();
     }
 
     QByteArrayView m_bytes;
     Reader m_reader;
     ZAXHostDocumentImage m_image;
-    QList<QByteArray> m_classNames;
     QHash<quint64, int> m_nesting;
+    /// By the id of the parent, the place of its next child.
     QHash<quint64, quint32> m_children;
+    qsizetype m_checked = 0;
+    bool m_isEnded = false;
 };
 
 } // namespace
+
+quint32 ZAXHostDocumentImage::AddClass(const QList<ZAXHostDocumentClass>& chain)
+{
+    qint32 base = -1;
+    for (auto type = chain.crbegin(); type != chain.crend(); ++type) {
+        const ZAXHostDocumentClass entry{type->name, type->version, base};
+        base = static_cast<qint32>(classes.indexOf(entry));
+        if (base < 0) {
+            base = static_cast<qint32>(classes.size());
+            classes.append(entry);
+        }
+    }
+    return static_cast<quint32>(base);
+}
+
+QList<ZAXHostDocumentClass> ZAXHostDocumentImage::GetChain(quint32 index) const
+{
+    QList<ZAXHostDocumentClass> chain;
+    for (auto i = static_cast<qint32>(index); i >= 0; i = classes.at(i).base)
+        chain.append(classes.at(i));
+    return chain;
+}
 
 QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
 {
@@ -243,20 +346,16 @@ QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
     writer.Raw(QByteArray(magic, magicSize));
     writer << formatVersion << leastReaderVersion;
     writer.Raw(image.documentId.toRfc4122());
-    writer << image.lastId;
-    auto classNames = image.versions.keys();
-    std::ranges::sort(classNames);
-    writer << static_cast<quint32>(classNames.size());
-    for (const QByteArray& className : std::as_const(classNames)) {
-        writer.Sized(className);
-        writer << static_cast<quint32>(image.versions.value(className));
+    writer << image.lastId << static_cast<quint32>(image.classes.size());
+    for (const ZAXHostDocumentClass& type : image.classes) {
+        writer.Sized(type.name);
+        writer << static_cast<quint32>(type.version) << static_cast<quint32>(type.base);
     }
     writer.ChecksumSince(0);
     for (const ZAXHostDocumentRecord& record : image.records) {
         const qsizetype start = writer.Size();
-        const auto classIndex = std::ranges::lower_bound(classNames, record.className) - classNames.begin();
         writer << objectTag;
-        writer.Sized(EncodeBody(record, static_cast<quint32>(classIndex)));
+        writer.Sized(EncodeBody(record));
         writer.ChecksumSince(start);
     }
     writer << endTag << static_cast<quint64>(image.records.size());

@@ -8,12 +8,25 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <QString>
 #include <QUuid>
+
+/// A class that has a part in the payloads of a document.
+struct ZAXHostDocumentClass
+{
+    QByteArray name;
+    int version = 1;
+    /// Index of the base class in the table, which stands before this one; -1 for none.
+    qint32 base = -1;
+
+    friend bool operator==(const ZAXHostDocumentClass&, const ZAXHostDocumentClass&) = default;
+};
 
 /// One object of a document as it is stored.
 struct ZAXHostDocumentRecord
 {
-    QByteArray className;
+    /// Index of the object's class in the table.
+    quint32 classIndex = 0;
     quint64 id = 0;
     /// Id of the parent; 0 at the top.
     quint64 parent = 0;
@@ -23,16 +36,34 @@ struct ZAXHostDocumentRecord
     QByteArray payload;
 };
 
+/// A part of a document file that is not what was written.
+struct ZAXHostDocumentDamage
+{
+    /// The bytes it is about.
+    qsizetype position = 0;
+    qsizetype size = 0;
+    /// Which object it was, as far as the file still tells; 0 and empty if it does not.
+    quint64 id = 0;
+    QByteArray className;
+    QString message;
+};
+
 /// What a document file holds, before any object of it is made.
-struct ZAXHostDocumentImage
+struct ZAXHOST_EXPORT ZAXHostDocumentImage
 {
     QUuid documentId;
-    /// The highest id that the document ever gave.
+    /// The highest id that the document ever gave to an object that was saved.
     quint64 lastId = 0;
-    /// The versions of all classes that have a part in the payloads, bases included.
-    QHash<QByteArray, int> versions;
-    /// Parents before their children, siblings in their order.
+    QList<ZAXHostDocumentClass> classes;
+    /// Parents before their children, siblings in their order. In a damaged file the parent may be missing.
     QList<ZAXHostDocumentRecord> records;
+    /// Empty for a file that is as it was written.
+    QList<ZAXHostDocumentDamage> damages;
+
+    /// The index of the class described by \a chain, most derived class first; it is entered if need be.
+    quint32 AddClass(const QList<ZAXHostDocumentClass>& chain);
+    /// The class at \a index and its bases, most derived class first.
+    QList<ZAXHostDocumentClass> GetChain(quint32 index) const;
 };
 
 /// The bytes of a document file. The format is described in docs/formats.md.
@@ -45,7 +76,8 @@ constexpr int maximumNesting = 256;
 ZAXHOST_EXPORT QByteArray Encode(const ZAXHostDocumentImage& image);
 
 /// Reads \a bytes into \a image. Fails, and leaves \a image as it is, for what is not such a file, was written by a
-/// newer program that this one must not read, or is damaged in any bit.
+/// newer program that this one must not read, or has a damaged header. Of a file that is damaged behind the header it
+/// reads the objects that are whole and lists the damages: every changed bit shows in one.
 ZAXHOST_EXPORT ZAXHostResult Decode(const QByteArray& bytes, ZAXHostDocumentImage& image);
 
 } // namespace ZAXHostDocumentCodec

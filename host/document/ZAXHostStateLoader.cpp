@@ -26,6 +26,7 @@ void ZAXHostStateLoader::Load(ZAXFeatObject* feature, const QByteArray& payload,
     if (!m_versions.isEmpty())
         stream.SetVersions(m_versions);
     stream.SetReferenceMap(m_map);
+    stream.SetUnavailable(m_isUnavailable);
     m_loaded.append(feature);
     feature->BeginStateLoad();
     feature->Load(stream);
@@ -33,6 +34,22 @@ void ZAXHostStateLoader::Load(ZAXFeatObject* feature, const QByteArray& payload,
     if (data.status() != QDataStream::Ok || !data.atEnd())
         throw ZAXSysException(
             QCoreApplication::translate("ZAXHostDocument", "The data of the object are not what its class reads."));
+}
+
+void ZAXHostStateLoader::EndLoad(const std::function<void(ZAXFeatObject*, const QString&)>& refused)
+{
+    const auto loaded = std::exchange(m_loaded, {});
+    const auto tryEach = [&](void (ZAXGeoGeometry::*operation)()) {
+        for (ZAXFeatObject* feature : loaded) {
+            try {
+                (feature->*operation)();
+            } catch (const std::exception& exception) {
+                refused(feature, QString::fromUtf8(exception.what()));
+            }
+        }
+    };
+    tryEach(&ZAXGeoGeometry::InitializeNonStreamed);
+    tryEach(&ZAXGeoGeometry::EndStateLoad);
 }
 
 void ZAXHostStateLoader::EndLoad()

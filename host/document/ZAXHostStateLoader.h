@@ -8,6 +8,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -28,6 +29,12 @@ public:
     /// How references in the states map to the features made.
     void SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map) { m_map = map; }
 
+    /// Which mapped references lead to nothing that can be made.
+    void SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable)
+    {
+        m_isUnavailable = isUnavailable;
+    }
+
     /// Makes a feature of class \a type, at the top of the tree, through the constructor for re-creation. An invalid
     /// \a reference gives it a new id.
     /// \throws ZAXSysException for a class without that constructor.
@@ -39,11 +46,14 @@ public:
 
     /// Completes all features loaded so far, in the order of loading.
     void EndLoad();
+    /// EndLoad() that goes on when a feature throws, and tells \a refused so.
+    void EndLoad(const std::function<void(ZAXFeatObject* feature, const QString& why)>& refused);
 
 private:
     ZAXFeatContainer* m_container;
     QHash<QByteArray, int> m_versions;
     std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)> m_map;
+    std::function<bool(const ZAXGeoGeometryRef&)> m_isUnavailable;
     QList<ZAXFeatObject*> m_loaded;
 };
 

@@ -255,7 +255,7 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
 bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
 {
     if (!parent || d_ptr->isAside || parent->d_ptr->isAside || parent->GetContainer() != GetContainer() ||
-        d_ptr->Subtree().contains(parent) || !parent->IsChildAllowed(metaObject()))
+        d_ptr->Subtree().contains(parent) || !d_ptr->IsAllowedUnder(parent))
         return false;
     const ZAXFeatStep step(d_ptr->container);
     const QPointer<ZAXFeatObject> oldParent = GetParent();

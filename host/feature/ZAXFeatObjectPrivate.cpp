@@ -60,6 +60,13 @@ void ZAXFeatObjectPrivate::Detach()
     parent = nullptr;
 }
 
+bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
+{
+    if (!isPlaceholder)
+        return newParent->IsChildAllowed(q->metaObject());
+    return IsPlainFolder(newParent->metaObject()) || (parent && newParent->metaObject() == parent->metaObject());
+}
+
 ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
 {
     const auto* const siblings = Siblings();

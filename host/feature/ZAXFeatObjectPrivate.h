@@ -30,6 +30,8 @@ public:
     void AttachTo(ZAXFeatObject* newParent, qsizetype index);
     /// Takes the feature out of the tree. Tells nobody.
     void Detach();
+    /// Whether \a parent may be the feature's parent.
+    bool IsAllowedUnder(const ZAXFeatObject* parent) const;
     /// Where the feature stands now.
     ZAXFeatPlace Place() const;
     /// Has the parent raise ChildAdded(), once in the feature's life.
@@ -70,6 +72,8 @@ public:
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;
     bool isAside = false;
+    /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
+    bool isPlaceholder = false;
     bool isBeingRemoved = false;
 
     ZAXFeatChangeObserver* Observer() const;

@@ -29,6 +29,7 @@ void ZAXFeatObjectPropertyBase::SetPointedObject(ZAXFeatObject* object)
     if (pointed)
         ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
     pointed = object;
+    ZAXFeatPropertyBasePrivate::Get(*this).unavailable = {};
     if (pointed)
         ZAXFeatObjectPrivate::Get(*pointed).pointers.append(this);
 }
@@ -41,6 +42,17 @@ bool ZAXFeatObjectPropertyBase::CanExternalReference(ZAXFeatObject*)
 ZAXFeatObject* ZAXFeatObjectPropertyBase::GetPointedObject() const
 {
     return ZAXFeatPropertyBasePrivate::Get(*this).pointed;
+}
+
+ZAXGeoGeometryRef ZAXFeatObjectPropertyBase::GetReference() const
+{
+    const auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
+    return d.pointed ? ZAXGeoGeometryRef(d.pointed) : d.unavailable;
+}
+
+void ZAXFeatObjectPropertyBase::SetUnavailableReference(const ZAXGeoGeometryRef& reference)
+{
+    ZAXFeatPropertyBasePrivate::Get(*this).unavailable = reference;
 }
 
 ZAXFeatObjectListPropertyBase::ZAXFeatObjectListPropertyBase(ZAXFeatObject* feature, int propertyIndex)

@@ -4,6 +4,7 @@
 // Private to the host: may change without notice.
 
 #include "ZAXFeatPropertyBase.h"
+#include "ZAXGeoGeometryRef.h"
 
 class ZAXFeatPropertyBasePrivate
 {
@@ -15,6 +16,8 @@ public:
     bool isInput;
     /// What an object property points at; null for properties of other kinds.
     ZAXFeatObject* pointed = nullptr;
+    /// What an object property would point at, were it there.
+    ZAXGeoGeometryRef unavailable = {};
 };
 
 #endif

@@ -6,6 +6,7 @@
 #include "ZAXGeoContainer.h"
 
 #include <QHash>
+#include <QSet>
 
 /// The identities of a container: who has which id, and which id comes next.
 class ZAXGEOMETRY_EXPORT ZAXGeoContainerPrivate
@@ -25,6 +26,8 @@ public:
     /// when they had not been, are restored.
     QHash<quint64, ZAXGeoGeometry*> aside;
     bool findsAside = false;
+    /// The ids of geometries that only stand for ones that could not be made.
+    QSet<quint64> placeholders;
     quint64 lastId = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "ZAXGeoStream.h"
 
+#include "ZAXGeoContainerPrivate.h"
 #include "ZAXGeoStreamDevice.h"
 
 #include <QMetaClassInfo>
@@ -26,6 +27,7 @@ public:
     QDataStream data;
     std::optional<QHash<QByteArray, int>> versions;
     std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)> map;
+    std::function<bool(const ZAXGeoGeometryRef&)> isUnavailable;
 };
 
 ZAXGeoStream::ZAXGeoStream(ZAXGeoContainer* container)
@@ -66,12 +68,27 @@ int ZAXGeoStream::GetCurrentVersion(const QMetaObject* type)
 
 ZAXGeoGeometryRef ZAXGeoStream::GetMappedReference(const ZAXGeoGeometryRef& reference) const
 {
+    const ZAXGeoGeometryRef mapped = MapReference(reference);
+    const bool isPlaceholder =
+        d_ptr->container && ZAXGeoContainerPrivate::Get(*d_ptr->container).placeholders.contains(mapped.GetId());
+    if (isPlaceholder || (d_ptr->isUnavailable && mapped.IsValid() && d_ptr->isUnavailable(mapped)))
+        return {};
+    return mapped;
+}
+
+ZAXGeoGeometryRef ZAXGeoStream::MapReference(const ZAXGeoGeometryRef& reference) const
+{
     return d_ptr->map && reference.IsValid() ? d_ptr->map(reference) : reference;
 }
 
 void ZAXGeoStream::SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map)
 {
     d_ptr->map = map;
+}
+
+void ZAXGeoStream::SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable)
+{
+    d_ptr->isUnavailable = isUnavailable;
 }
 
 QDataStream& ZAXGeoStream::GetDataStream()

@@ -1,0 +1,156 @@
+#include "ZAXHostClipboard.h"
+
+#include "ZAXFeatContainerPrivate.h"
+#include "ZAXFeatObject.h"
+#include "ZAXFeatObjectPrivate.h"
+#include "ZAXHostDocumentImager.h"
+#include "ZAXHostPlaceholder.h"
+#include "ZAXHostStateLoader.h"
+#include "ZAXSysException.h"
+
+#include <QCoreApplication>
+#include <QHash>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("ZAXHostClipboard", text);
+}
+
+bool IsBelowAnyOf(const ZAXFeatObject* feature, const QList<ZAXFeatObject*>& features)
+{
+    for (const ZAXFeatObject* above = feature->GetParent(); above; above = above->GetParent()) {
+        if (features.contains(above))
+            return true;
+    }
+    return false;
+}
+
+QHash<QByteArray, int> VersionsOf(const QList<ZAXHostDocumentClass>& chain)
+{
+    QHash<QByteArray, int> versions;
+    for (const ZAXHostDocumentClass& type : chain)
+        versions.insert(type.name, type.version);
+    return versions;
+}
+
+/// Makes the objects of an image under a feature, with new ids.
+class Paster
+{
+public:
+    Paster(const ZAXHostDocumentImage& image, ZAXFeatObject* parent)
+        : m_image(image), m_parent(parent), m_loader(ZAXFeatObjectPrivate::Get(*parent).container)
+    {
+    }
+
+    void Run()
+    {
+        for (const ZAXHostDocumentRecord& record : m_image.records)
+            Make(record);
+        m_loader.SetReferenceMap([this](const ZAXGeoGeometryRef& reference) { return m_references.value(reference); });
+        for (qsizetype i = 0; i < m_features.size(); ++i)
+            Load(m_features.at(i), m_image.records.at(i));
+        m_loader.EndLoad();
+        for (auto& top : m_tops)
+            pasted.append(top.release());
+        for (ZAXFeatObject* feature : std::as_const(m_features))
+            ZAXFeatObjectPrivate::Get(*feature).Announce();
+    }
+
+    QList<ZAXFeatObject*> pasted;
+    QList<ZAXHostProblem> problems;
+
+private:
+    void Make(const ZAXHostDocumentRecord& record)
+    {
+        const auto chain = m_image.GetChain(record.classIndex);
+        const QString why = ZAXHostDocumentImager::WhyUnavailable(chain, {});
+        const QMetaObject* const type =
+            why.isEmpty() ? ZAXGeoContainer::FindType(chain.constFirst().name) : &ZAXHostPlaceholder::staticMetaObject;
+        auto made = m_loader.Make(type, {});
+        ZAXFeatObject* const feature = made.get();
+        if (!why.isEmpty()) {
+            problems.append({ZAXHostProblem::Unavailable, feature->GetId(), chain.constFirst().name,
+                             Tr("The object of class %1 is not available: %2")
+                                 .arg(QString::fromUtf8(chain.constFirst().name), why)});
+        } else if (record.parent == 0 && !m_parent->IsChildAllowed(type)) {
+            throw ZAXSysException(Tr("%1 does not allow an object of class %2.")
+                                      .arg(m_parent->GetLabel(), QString::fromUtf8(chain.constFirst().name)));
+        }
+        auto& d = ZAXFeatObjectPrivate::Get(*feature);
+        if (record.parent == 0) {
+            d.AttachTo(m_parent, -1);
+            m_tops.push_back(std::move(made));
+        } else {
+            d.AttachTo(m_byId.value(record.parent), -1);
+            made.release();
+        }
+        m_byId.insert(record.id, feature);
+        m_references.insert(ZAXGeoGeometryRef::FromId(record.id), ZAXGeoGeometryRef(feature));
+        m_features.append(feature);
+    }
+
+    void Load(ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
+    {
+        const auto chain = m_image.GetChain(record.classIndex);
+        if (std::ranges::any_of(record.references, [this](const auto& to) { return !m_references.contains(to); }))
+            problems.append({ZAXHostProblem::Unresolved, feature->GetId(), chain.constFirst().name,
+                             Tr("An object of class %1 referred to something that was not copied.")
+                                 .arg(QString::fromUtf8(chain.constFirst().name))});
+        if (auto* const placeholder = qobject_cast<ZAXHostPlaceholder*>(feature)) {
+            QList<ZAXGeoGeometryRef> references;
+            for (const ZAXGeoGeometryRef& reference : record.references)
+                references.append(m_references.value(reference));
+            placeholder->SetObject(chain, record.payload, references, ZAXHostDocumentImager::WhyUnavailable(chain, {}));
+            return;
+        }
+        m_loader.SetVersions(VersionsOf(chain));
+        m_loader.Load(feature, record.payload, record.references);
+    }
+
+    const ZAXHostDocumentImage& m_image;
+    ZAXFeatObject* m_parent;
+    ZAXHostStateLoader m_loader;
+    /// Owned until everything went well; all others are below them.
+    std::vector<std::unique_ptr<ZAXFeatObject>> m_tops;
+    QList<ZAXFeatObject*> m_features;
+    QHash<quint64, ZAXFeatObject*> m_byId;
+    QHash<ZAXGeoGeometryRef, ZAXGeoGeometryRef> m_references;
+};
+
+} // namespace
+
+QByteArray ZAXHostClipboard::Copy(const QList<ZAXFeatObject*>& features)
+{
+    ZAXHostDocumentImage image;
+    QList<ZAXFeatObject*> tops = features;
+    tops.removeIf([&](const ZAXFeatObject* feature) { return IsBelowAnyOf(feature, features); });
+    ZAXHostDocumentImager::Add(tops, true, image);
+    image.lastId = ZAXHostDocumentImager::HighestId(image, 0);
+    return ZAXHostDocumentCodec::Encode(image);
+}
+
+ZAXHostResult ZAXHostClipboard::Paste(const QByteArray& bytes, ZAXFeatObject* parent, QList<ZAXFeatObject*>& pasted,
+                                      QList<ZAXHostProblem>& problems)
+{
+    ZAXHostDocumentImage image;
+    if (const auto result = ZAXHostDocumentCodec::Decode(bytes, image); !result)
+        return result;
+    if (!image.damages.isEmpty())
+        return ZAXHostResult::Failed(image.damages.constFirst().message);
+    Paster paster(image, parent);
+    try {
+        const ZAXFeatStep step(ZAXFeatObjectPrivate::Get(*parent).container);
+        paster.Run();
+    } catch (const ZAXSysException& exception) {
+        return ZAXHostResult::Failed(exception.GetMessage());
+    }
+    pasted = paster.pasted;
+    problems = paster.problems;
+    return ZAXHostResult::Done();
+}

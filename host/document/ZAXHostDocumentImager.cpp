@@ -1,0 +1,249 @@
+#include "ZAXHostDocumentImager.h"
+
+#include "ZAXFeatContainerPrivate.h"
+#include "ZAXFeatFolder.h"
+#include "ZAXFeatObjectPrivate.h"
+#include "ZAXGeoContainerPrivate.h"
+#include "ZAXGeoStream.h"
+#include "ZAXHostPlaceholder.h"
+#include "ZAXHostStateLoader.h"
+#include "ZAXSysException.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+namespace {
+
+QString Tr(const char* text)
+{
+    return QCoreApplication::translate("ZAXHostDocument", text);
+}
+
+QList<ZAXHostDocumentClass> ChainOf(const QMetaObject* type)
+{
+    QList<ZAXHostDocumentClass> chain;
+    for (; type && type != &QObject::staticMetaObject; type = type->superClass())
+        chain.append({type->className(), ZAXGeoStream::GetCurrentVersion(type), -1});
+    return chain;
+}
+
+QHash<QByteArray, int> VersionsOf(const QList<ZAXHostDocumentClass>& chain)
+{
+    QHash<QByteArray, int> versions;
+    for (const ZAXHostDocumentClass& type : chain)
+        versions.insert(type.name, type.version);
+    return versions;
+}
+
+class Adder
+{
+public:
+    explicit Adder(ZAXHostDocumentImage& image) : m_image(image) {}
+
+    void Add(const QList<ZAXFeatObject*>& siblings, quint64 parent, int nesting)
+    {
+        if (nesting > ZAXHostDocumentCodec::maximumNesting && !siblings.isEmpty())
+            throw ZAXSysException(Tr("The objects of the document are nested too deeply to be saved."));
+        quint32 place = 0;
+        for (const ZAXFeatObject* feature : siblings) {
+            ZAXHostDocumentRecord record = RecordOf(feature);
+            record.id = feature->GetId();
+            record.parent = parent;
+            record.place = place++;
+            m_image.records.append(record);
+            Add(feature->GetChildren(), feature->GetId(), nesting + 1);
+        }
+    }
+
+private:
+    ZAXHostDocumentRecord RecordOf(const ZAXFeatObject* feature)
+    {
+        ZAXHostDocumentRecord record;
+        if (const auto* const placeholder = qobject_cast<const ZAXHostPlaceholder*>(feature)) {
+            record.classIndex = m_image.AddClass(placeholder->GetClasses());
+            record.references = placeholder->GetReferences();
+            record.payload = placeholder->GetPayload();
+            return record;
+        }
+        const auto known = m_classes.constFind(feature->metaObject());
+        record.classIndex =
+            known != m_classes.constEnd()
+                ? known.value()
+                : m_classes.insert(feature->metaObject(), m_image.AddClass(ChainOf(feature->metaObject()))).value();
+        ZAXGeoStream stream(feature->GetContainer());
+        feature->Save(stream);
+        record.references = stream.GetReferences();
+        record.payload = stream.GetPayload();
+        return record;
+    }
+
+    ZAXHostDocumentImage& m_image;
+    QHash<const QMetaObject*, quint32> m_classes;
+};
+
+/// Makes the objects of an image. Objects that turn out not to take their data are noted in \a refused: the reading
+/// starts anew then, with placeholders for them, so that everyone else sees them as missing from the start.
+class Populator
+{
+public:
+    Populator(ZAXFeatContainer& container, const ZAXHostDocumentImage& image, const QSet<QByteArray>& retired)
+        : m_container(container), m_image(image), m_retired(retired)
+    {
+    }
+
+    QList<ZAXHostProblem> Run()
+    {
+        while (!TryOnce())
+            ZAXFeatContainerPrivate::Get(m_container).DestroyAll();
+        return m_problems;
+    }
+
+private:
+    bool TryOnce()
+    {
+        m_problems.clear();
+        m_live.clear();
+        m_features.clear();
+        m_isGood = true;
+        ZAXHostStateLoader loader(&m_container);
+        loader.SetUnavailable([this](const ZAXGeoGeometryRef& reference) { return !m_live.contains(reference); });
+        for (const ZAXHostDocumentRecord& record : m_image.records)
+            Make(loader, record);
+        if (!m_isGood)
+            return false;
+        for (qsizetype i = 0; i < m_features.size(); ++i)
+            Load(loader, m_features.at(i), m_image.records.at(i));
+        if (m_isGood)
+            Complete(loader);
+        return m_isGood;
+    }
+
+    void Make(ZAXHostStateLoader& loader, const ZAXHostDocumentRecord& record)
+    {
+        const auto chain = m_image.GetChain(record.classIndex);
+        const auto reference = ZAXGeoGeometryRef::FromId(record.id);
+        QString why = m_refused.value(record.id);
+        if (why.isEmpty())
+            why = ZAXHostDocumentImager::WhyUnavailable(chain, m_retired);
+        ZAXFeatObject* feature = nullptr;
+        if (why.isEmpty()) {
+            try {
+                feature = loader.Make(ZAXGeoContainer::FindType(chain.constFirst().name), reference).release();
+                m_live.insert(reference);
+            } catch (const ZAXSysException& exception) {
+                Refuse(record.id, exception.GetMessage());
+                feature = new ZAXHostPlaceholder(&m_container, reference);
+            }
+        } else {
+            auto* const placeholder = new ZAXHostPlaceholder(&m_container, reference);
+            placeholder->SetObject(chain, record.payload, record.references, why);
+            feature = placeholder;
+            m_problems.append({ZAXHostProblem::Unavailable, record.id, chain.constFirst().name,
+                               Tr("The object %1 of class %2 is not available: %3")
+                                   .arg(QString::number(record.id), QString::fromUtf8(chain.constFirst().name), why)});
+        }
+        Attach(feature, record);
+        m_features.append(feature);
+    }
+
+    void Attach(ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
+    {
+        auto& d = ZAXFeatObjectPrivate::Get(*feature);
+        d.isAnnounced = true;
+        if (record.parent == 0)
+            return;
+        const auto reference = ZAXGeoGeometryRef::FromId(record.parent);
+        ZAXGeoGeometry* parent = m_container.GetGeometryByRef(reference);
+        if (!parent) {
+            auto* const folder = new ZAXFeatFolder(&m_container, reference);
+            folder->SetLabel(Tr("Recovered objects"));
+            ZAXFeatObjectPrivate::Get(*folder).isAnnounced = true;
+            parent = folder;
+        }
+        d.AttachTo(static_cast<ZAXFeatObject*>(parent), -1);
+    }
+
+    void Load(ZAXHostStateLoader& loader, ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
+    {
+        if (!m_live.contains(ZAXGeoGeometryRef(feature)))
+            return;
+        try {
+            loader.SetVersions(VersionsOf(m_image.GetChain(record.classIndex)));
+            loader.Load(feature, record.payload, record.references);
+        } catch (const std::exception& exception) {
+            Refuse(record.id, QString::fromUtf8(exception.what()));
+        }
+        for (const ZAXGeoGeometryRef& reference : record.references) {
+            if (!m_container.GetGeometryByRef(reference))
+                m_problems.append({ZAXHostProblem::Unresolved, record.id, feature->metaObject()->className(),
+                                   Tr("The object %1 refers to the object %2, which does not exist.")
+                                       .arg(QString::number(record.id), QString::number(reference.GetId()))});
+        }
+    }
+
+    void Complete(ZAXHostStateLoader& loader)
+    {
+        loader.EndLoad([this](ZAXFeatObject* feature, const QString& why) { Refuse(feature->GetId(), why); });
+    }
+
+    void Refuse(quint64 id, const QString& why)
+    {
+        m_refused.insert(id, why);
+        m_isGood = false;
+    }
+
+    ZAXFeatContainer& m_container;
+    const ZAXHostDocumentImage& m_image;
+    const QSet<QByteArray>& m_retired;
+    QList<ZAXHostProblem> m_problems;
+    QSet<ZAXGeoGeometryRef> m_live;
+    QList<ZAXFeatObject*> m_features;
+    QHash<quint64, QString> m_refused;
+    bool m_isGood = true;
+};
+
+} // namespace
+
+void ZAXHostDocumentImager::Add(const QList<ZAXFeatObject*>& features, bool isTop, ZAXHostDocumentImage& image)
+{
+    const ZAXFeatObject* const parent = features.isEmpty() || isTop ? nullptr : features.constFirst()->GetParent();
+    Adder(image).Add(features, parent ? parent->GetId() : 0, 1);
+}
+
+quint64 ZAXHostDocumentImager::HighestId(const ZAXHostDocumentImage& image, quint64 highest)
+{
+    for (const ZAXHostDocumentRecord& record : image.records) {
+        highest = std::max(highest, record.id);
+        for (const ZAXGeoGeometryRef& reference : record.references)
+            highest = std::max(highest, reference.GetId());
+    }
+    return highest;
+}
+
+QString ZAXHostDocumentImager::WhyUnavailable(const QList<ZAXHostDocumentClass>& chain, const QSet<QByteArray>& retired)
+{
+    const QMetaObject* type = ZAXGeoContainer::FindType(chain.constFirst().name);
+    if (!type || retired.contains(chain.constFirst().name))
+        return Tr("no loaded module provides the class.");
+    const auto versions = VersionsOf(chain);
+    for (; type && type != &QObject::staticMetaObject; type = type->superClass()) {
+        const int stored = versions.value(type->className(), 1);
+        const int current = ZAXGeoStream::GetCurrentVersion(type);
+        if (stored > current)
+            return Tr("it was saved by a newer program (version %1 of %2, this program knows version %3).")
+                .arg(QString::number(stored), QString::fromUtf8(type->className()), QString::number(current));
+    }
+    return {};
+}
+
+QList<ZAXHostProblem> ZAXHostDocumentImager::Populate(ZAXFeatContainer& container, const ZAXHostDocumentImage& image,
+                                                      const QSet<QByteArray>& retired)
+{
+    QList<ZAXHostProblem> problems = Populator(container, image, retired).Run();
+    for (const ZAXHostDocumentDamage& damage : image.damages)
+        problems.append({ZAXHostProblem::Damaged, damage.id, damage.className, damage.message});
+    auto& index = ZAXGeoContainerPrivate::Get(container);
+    index.lastId = HighestId(image, image.lastId);
+    return problems;
+}

@@ -1,0 +1,22 @@
+#ifndef ZAXHOSTFILESAVER_H
+#define ZAXHOSTFILESAVER_H
+
+#include "ZAXHostExport.h"
+#include "ZAXHostFileSystem.h"
+#include "ZAXHostResult.h"
+
+class QString;
+
+/// Puts new bytes in the place of a file so that at every instant the old file or the new one is there, whole.
+namespace ZAXHostFileSaver {
+
+/// Saves \a bytes as the file \a path: writes a new file beside it, `.<name>.<process>.saving`, syncs it, gives it
+/// the permissions of the old one, puts it in the old one's place, syncs the folder and reads the file back. Of a
+/// symbolic link, the file it leads to is replaced. First removes what killed savings left behind.
+/// A failure before the replacement leaves the old file; whatever comes back, nothing is left beside it.
+ZAXHOST_EXPORT ZAXHostResult Save(const QString& path, const QByteArray& bytes, ZAXHostFileSystem& system);
+ZAXHOST_EXPORT ZAXHostResult Save(const QString& path, const QByteArray& bytes);
+
+} // namespace ZAXHostFileSaver
+
+#endif
