@@ -19,6 +19,8 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace {
@@ -28,6 +30,11 @@ Q_LOGGING_CATEGORY(logJson, "zax.material.json")
 void Warn(const char* what, const QString& path, const QString& reason)
 {
     qCWarning(logJson).noquote().nospace() << what << ' ' << path << ": " << reason;
+}
+
+QString SystemError(int number)
+{
+    return QString::fromStdString(std::generic_category().message(number));
 }
 
 /// Which of the extension classes of a plug-in is asked for.
@@ -169,12 +176,16 @@ bool ZAXMatJsonFileProviderPrivate::Write() const
 
     // Flushed by hand: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
     const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
-    const bool isWritten = file.write(text) == text.size() && file.flush();
-    const QString reason = file.errorString();
-    if (!isWritten)
+    errno = 0;
+    if (file.write(text) != text.size() || !file.flush()) {
+        // A device that is full takes a part of the bytes first, for which Qt knows no reason.
+        Warn("Cannot write", path, errno != 0 ? SystemError(errno) : file.errorString());
         file.cancelWriting();
-    if (!file.commit() || !isWritten) {
-        Warn("Cannot write", path, isWritten ? file.errorString() : reason);
+        file.commit();
+        return false;
+    }
+    if (!file.commit()) {
+        Warn("Cannot write", path, file.errorString());
         return false;
     }
     return true;
