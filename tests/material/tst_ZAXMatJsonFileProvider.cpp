@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <cerrno>
 #include <memory>
 #include <type_traits>
 
@@ -139,6 +140,13 @@ Keys MembersOf(const QByteArray& catalogue)
     return names;
 }
 
+/// What the system says about an error, in the language of the locale, as a pattern.
+QString SystemError(int number)
+{
+    return QRegularExpression::escape(qt_error_string(number));
+}
+
+/// The test fails unless a warning comes that matches \a pattern.
 void ExpectWarning(const QString& pattern)
 {
     QTest::ignoreMessage(QtWarningMsg, QRegularExpression(pattern));
@@ -188,6 +196,7 @@ private slots:
     void aChangedFileReplacesAllThatWasNotCommitted();
     void aFileThatVanishesLeavesTheCatalogue();
     void aFileThatCannotBeReadLeavesTheCatalogueAndIsReportedOnce();
+    void aDirectoryThatCannotBeEnteredIsReported();
     void aMalformedFileIsReportedAndEmpty_data();
     void aMalformedFileIsReportedAndEmpty();
     void aMalformedFileIsReplacedByTheNextCommit();
@@ -232,6 +241,9 @@ private slots:
     void aDirectoryThatTakesNoFileAtAllStays();
     void onAFullDiskTheFileStays_data();
     void onAFullDiskTheFileStays();
+    void onAFullDiskAFileWrittenInPlaceStays_data() { onAFullDiskTheFileStays_data(); }
+    void onAFullDiskAFileWrittenInPlaceStays();
+    void aShorterCatalogueLeavesNothingOfALongerOneInPlace();
     void whatCouldNotBeWrittenIsStillThere();
 
     void editsThroughACacheReachTheFile();
@@ -656,7 +668,7 @@ void tst_ZAXMatJsonFileProvider::aFileThatCannotBeReadLeavesTheCatalogueAndIsRep
     CatalogueFolder::SetMode(folder.FilePath(), 0);
     {
         const OrdinaryUser user;
-        ExpectWarning(Text("^Cannot read .*/zax ø .*/materials\\.json: Permission denied$"));
+        ExpectWarning(Text("^Cannot read .*/zax ø .*/materials\\.json: ") + SystemError(EACCES) + u'$');
         QCOMPARE(provider.GetMaterialKeys(), Keys{"a"});
         QCOMPARE(provider.GetMaterialKeys(), Keys{"a"});
     }
@@ -666,9 +678,20 @@ void tst_ZAXMatJsonFileProvider::aFileThatCannotBeReadLeavesTheCatalogueAndIsRep
     CatalogueFolder::SetMode(folder.FilePath(), 0);
     {
         const OrdinaryUser user;
-        ExpectWarning(Text("^Cannot read .*: Permission denied$"));
+        ExpectWarning(Text("^Cannot read .*: ") + SystemError(EACCES) + u'$');
         QCOMPARE(provider.GetMaterialKeys(), Keys{"b"});
     }
+}
+
+void tst_ZAXMatJsonFileProvider::aDirectoryThatCannotBeEnteredIsReported()
+{
+    CatalogueFolder folder;
+    folder.Write(Catalogue({MaterialText("a")}));
+    CatalogueFolder::SetMode(folder.Path(), 0);
+    const OrdinaryUser user;
+    ExpectWarning(Text("^Cannot read .*/materials\\.json: ") + SystemError(EACCES) + u'$');
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    QCOMPARE(provider.GetMaterialKeys(), Keys());
 }
 
 void tst_ZAXMatJsonFileProvider::aMalformedFileIsReportedAndEmpty_data()
@@ -1084,7 +1107,7 @@ void tst_ZAXMatJsonFileProvider::commitNeverCreatesTheDirectory()
     const QString missing = folder.Path() + Text("/missing");
     ZAXMatJsonFileProvider provider(missing);
     const QByteArray key = provider.CreateMaterial(Text("Steel")).GetKey();
-    ExpectWarning(Text("^Cannot write .*/missing/materials\\.json: No such file or directory$"));
+    ExpectWarning(Text("^Cannot write .*/missing/materials\\.json: ") + SystemError(ENOENT) + u'$');
     provider.Commit();
     QVERIFY(!QFileInfo::exists(missing));
     QCOMPARE(folder.Entries(), QStringList());
@@ -1215,7 +1238,7 @@ void tst_ZAXMatJsonFileProvider::aDirectoryThatTakesNoFileAtAllStays()
     ZAXMatJsonFileProvider provider(folder.Path());
     const QByteArray key = provider.CreateMaterial(Text("Steel")).GetKey();
     CatalogueFolder::SetMode(folder.Path(), 0555);
-    ExpectWarning(Text("^Cannot write .*/materials\\.json: Permission denied$"));
+    ExpectWarning(Text("^Cannot write .*/materials\\.json: ") + SystemError(EACCES) + u'$');
     {
         const OrdinaryUser user;
         provider.Commit();
@@ -1240,7 +1263,7 @@ void tst_ZAXMatJsonFileProvider::onAFullDiskTheFileStays()
     ZAXMatJsonFileProvider provider(folder.Path());
     for (int i = 0; i < newRecords; ++i)
         provider.CreateMaterial(Text("Steel"));
-    ExpectWarning(Text("^Cannot write .*/materials\\.json: File too large$"));
+    ExpectWarning(Text("^Cannot write .*/materials\\.json: ") + SystemError(EFBIG) + u'$');
     {
         const FullDisk disk(100);
         provider.Commit();
@@ -1248,6 +1271,44 @@ void tst_ZAXMatJsonFileProvider::onAFullDiskTheFileStays()
     QCOMPARE(folder.Read(), before);
     QCOMPARE(folder.Entries(), QStringList{Text("materials.json")});
     QCOMPARE(provider.GetMaterialKeys().size(), newRecords + 1);
+}
+
+void tst_ZAXMatJsonFileProvider::onAFullDiskAFileWrittenInPlaceStays()
+{
+    QFETCH(const int, newRecords);
+    CatalogueFolder folder;
+    folder.Write(Catalogue({MaterialText("m")}));
+    const QByteArray before = folder.Read();
+    const quint64 inode = CatalogueFolder::Inode(folder.FilePath());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    for (int i = 0; i < newRecords; ++i)
+        provider.CreateMaterial(Text("Steel"));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    ExpectWarning(Text("^Cannot write .*/materials\\.json: ") + SystemError(EFBIG) + u'$');
+    {
+        const OrdinaryUser user;
+        const FullDisk disk(static_cast<rlim_t>(before.size()) + 10);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), before);
+    QCOMPARE(CatalogueFolder::Inode(folder.FilePath()), inode);
+}
+
+void tst_ZAXMatJsonFileProvider::aShorterCatalogueLeavesNothingOfALongerOneInPlace()
+{
+    CatalogueFolder folder;
+    folder.Write(Catalogue({MaterialText("a"), MaterialText("b"), MaterialText("c")}) + QByteArray(5000, ' '));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    ZAXMatJsonFileProvider provider(folder.Path());
+    provider.RemoveMaterial("a");
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    {
+        const OrdinaryUser user;
+        provider.Commit();
+    }
+    QCOMPARE(MembersOf(folder.Read()), (Keys{"b", "c"}));
+    QVERIFY(folder.Read().endsWith("}\n"));
 }
 
 void tst_ZAXMatJsonFileProvider::whatCouldNotBeWrittenIsStillThere()
