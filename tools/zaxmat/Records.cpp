@@ -103,17 +103,17 @@ QString StockFormLines(const QList<ZAXMatDefinition>& stockForms)
 
 QString UnknownMaterialText(const Catalogue& catalogue, const QString& text)
 {
-    constexpr int mostShown = 10;
+    constexpr qsizetype mostShown = 10;
     const auto similar = Matching(catalogue.GetMaterials(), [&](const ZAXMatDefinition& material) {
         return material.GetName().contains(text, Qt::CaseInsensitive) ||
                TypeOf(material).contains(text, Qt::CaseInsensitive);
     });
-    const QString unknown =
-        Text::tr("The catalogue %1 has no %2.").arg(QuotedPath(catalogue.GetFilePath()), Quoted(text));
-    if (similar.isEmpty())
-        return unknown + u'\n' + Text::tr("\"zaxmat list\" shows what there is.");
-    return unknown + u'\n' + Text::tr("Similar:") + u'\n' +
-           MaterialLines(similar.first(std::min<qsizetype>(similar.size(), mostShown)));
+    QStringList lines{Text::tr("The catalogue %1 has no %2.").arg(QuotedPath(catalogue.GetFilePath()), Quoted(text))};
+    if (!similar.isEmpty())
+        lines << Text::tr("Similar:") << MaterialLines(similar.first(std::min(similar.size(), mostShown)));
+    if (similar.isEmpty() || similar.size() > mostShown)
+        lines << Text::tr("\"zaxmat list\" shows all materials.");
+    return lines.join(u'\n');
 }
 
 } // namespace zaxmat
