@@ -42,9 +42,7 @@ CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& val
         target.clear();
         std::ranges::transform(texts, std::back_inserter(target), FromUtf8);
     };
-    // Without extra arguments the library takes a text in brackets as it is.
-    return Described(command.add_option_function<std::vector<std::string>>(Utf8(name), store, Utf8(description))
-                         ->allow_extra_args(false),
+    return Described(command.add_option_function<std::vector<std::string>>(Utf8(name), store, Utf8(description)),
                      value);
 }
 

@@ -363,7 +363,8 @@ void AddUseCommand(CLI::App& program, Action& chosen)
             options->thickness);
     AddTexts(
         *command, QLatin1String("--packaging"), Text::tr("NAME"),
-        Text::tr("The names or keys of the stock forms to take. Default: the one that the catalogue marks active."),
+        Text::tr("The names or keys of the stock forms to take; write MATERIAL before them. Default: the one that the "
+                 "catalogue marks active."),
         options->stockForms);
     AddCatalogueOptions(*command, options->catalogue);
     command->footer(Utf8(Text::tr("What the document has already is found, not made again.\n\n"
