@@ -53,13 +53,11 @@ Failure Unreadable(const QString& path, const QString& why)
             Text::tr("The catalogue %1 cannot be read: %2.\n%3").arg(QuotedPath(path), why, HowToChoose())};
 }
 
-/// \throws Failure unless there is a file \a path, as opposed to a folder or a pipe, and it can be read.
+/// \throws Failure unless \a path is a file, as opposed to a folder or a pipe, that can be read.
 void RequireFile(const QString& path)
 {
-    if (!QFileInfo::exists(path))
-        throw Failure(ExitCode::FileFailure,
-                      Text::tr("There is no catalogue %1.\n%2").arg(QuotedPath(path), HowToChoose()));
-    if (!QFileInfo(path).isFile())
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile())
         throw Unreadable(path, Text::tr("it is no file"));
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))

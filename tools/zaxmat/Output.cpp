@@ -8,16 +8,6 @@
 
 namespace zaxmat {
 
-namespace {
-
-void PrintToError(const QString& text)
-{
-    const QByteArray line = text.toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, line.size(), stderr);
-}
-
-} // namespace
-
 void Output::Print(const QString& text)
 {
     m_text += text.toUtf8() + '\n';
@@ -25,23 +15,20 @@ void Output::Print(const QString& text)
 
 bool Output::Write(QString* reason)
 {
+    for (const QString& note : std::as_const(m_notes))
+        PrintError(Text::tr("note: %1").arg(note));
     QFile file;
     const bool isWritten =
         file.open(stdout, QIODevice::WriteOnly) && file.write(m_text) == m_text.size() && file.flush();
     if (!isWritten)
         *reason = file.errorString();
-    m_text.clear();
     return isWritten;
 }
 
 void PrintError(const QString& message)
 {
-    PrintToError(QLatin1String("zaxmat: ") + message);
-}
-
-void PrintNote(const QString& message)
-{
-    PrintToError(QLatin1String("zaxmat: ") + Text::tr("note: ") + message);
+    const QByteArray line = "zaxmat: " + message.toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, line.size(), stderr);
 }
 
 } // namespace zaxmat

@@ -2,6 +2,7 @@
 #define ZAXMAT_USECOMMAND_H
 
 #include "CommandOptions.h"
+#include "MaterialChoice.h"
 
 namespace zaxmat {
 
@@ -10,12 +11,7 @@ struct UseOptions
     CatalogueOptions catalogue;
     /// The document's file, which need not exist.
     QString document;
-    /// A material, as FindMaterials() reads it.
-    QString material;
-    /// A length, as ZAXSysValue::FromString() reads it; empty when the material alone decides.
-    QString thickness;
-    /// Stock forms of the material, as FindStockForms() reads them; those that the catalogue marks active if empty.
-    QStringList stockForms;
+    MaterialRequest request;
 };
 
 /// Takes a material of a catalogue and stock forms of it into a document, as far as they are not in it, saves the
