@@ -60,6 +60,15 @@ void WriteRecord(const ZAXMatDefinition& record, Feature& feature, Complaints& c
     }
 }
 
+/// Gives \a material the ID of \a record if it is customised, else the one made of its name and thickness. The record
+/// was written in the order of a hash: an ID may be gone, its own or the one made, when another property came later.
+void WriteMaterialId(const ZAXMatDefinition& record, ZAXMatMaterial& material)
+{
+    if (material.isMaterialIdCustomized())
+        material.SetMaterialId(record.GetValue(ZAXMatMaterial::Property_materialId).toString());
+    material.UpdateMaterialId();
+}
+
 Placed<ZAXMatMaterial> PlaceMaterial(const MaterialChoice& choice, ZAXHostDocument& document, Complaints& complaints)
 {
     ZAXMatRoot* const root = MaterialsRootOf(document);
@@ -73,8 +82,7 @@ Placed<ZAXMatMaterial> PlaceMaterial(const MaterialChoice& choice, ZAXHostDocume
         material->SetThickness(choice.thickness);
     material->SetProviderId(choice.providerId);
     material->SetRemoteKey(key);
-    // The record may hold an ID without a value, which is written behind or before the thickness as the hash will.
-    material->UpdateMaterialId();
+    WriteMaterialId(choice.material, *material);
     return {material, true};
 }
 
