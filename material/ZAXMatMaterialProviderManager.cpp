@@ -1,0 +1,48 @@
+#include "ZAXMatMaterialProviderManager.h"
+
+#include "ZAXSysException.h"
+
+#include <algorithm>
+
+namespace {
+
+QHash<QByteArray, ZAXMatMaterialProviderManager*>& Registry()
+{
+    static QHash<QByteArray, ZAXMatMaterialProviderManager*> registry;
+    return registry;
+}
+
+} // namespace
+
+class ZAXMatMaterialProviderManagerPrivate
+{
+public:
+    QByteArray id;
+};
+
+ZAXMatMaterialProviderManager::ZAXMatMaterialProviderManager(const QByteArray& id)
+    : d_ptr(std::make_unique<ZAXMatMaterialProviderManagerPrivate>())
+{
+    auto& registry = Registry();
+    const auto hasId = [&id](const ZAXMatMaterialProviderManager* manager) { return manager->GetId() == id; };
+    if (std::ranges::any_of(std::as_const(registry), hasId))
+        throw ZAXSysException(QLatin1String("A provider manager with the given ID already exists."));
+    d_ptr->id = id;
+    registry.insert(id, this);
+}
+
+ZAXMatMaterialProviderManager::~ZAXMatMaterialProviderManager()
+{
+    Registry().removeIf([this](const auto& entry) { return entry.value() == this; });
+}
+
+QByteArray ZAXMatMaterialProviderManager::GetId() const
+{
+    Q_D(const ZAXMatMaterialProviderManager);
+    return d->id;
+}
+
+QHash<QByteArray, ZAXMatMaterialProviderManager*> ZAXMatMaterialProviderManager::GetHash()
+{
+    return Registry();
+}
