@@ -1,7 +1,7 @@
 # Installs the build, moves the installation elsewhere, and checks that nothing in it tells where it came from.
 include("${CMAKE_CURRENT_LIST_DIR}/Common.cmake")
 
-file(REMOVE_RECURSE "${SCRATCH}")
+file(REMOVE_RECURSE "${SCRATCH}/first" "${PREFIX}" "${HOST_PREFIX}")
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${SCRATCH}/first")
 file(RENAME "${SCRATCH}/first" "${PREFIX}")
 run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${HOST_PREFIX}" --component ZAXHost)
