@@ -1,6 +1,8 @@
 # What the scripts of this folder share. They get SOURCE and BUILD, the folders of the build under test, SCRATCH, the
 # folder for all that is made, and how to build: GENERATOR, COMPILER, FLAGS, QT (the folder of Qt's package), READELF.
 
+cmake_minimum_required(VERSION 3.22)
+
 # Where the packages are found, and an installation of the host without anything else.
 set(PREFIX "${SCRATCH}/ZAX installed")
 set(HOST_PREFIX "${SCRATCH}/ZAX host")
