@@ -23,11 +23,11 @@
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcJson, "zax.material.json")
+Q_LOGGING_CATEGORY(logJson, "zax.material.json")
 
 void Warn(const char* what, const QString& path, const QString& reason)
 {
-    qCWarning(lcJson).noquote().nospace() << what << ' ' << path << ": " << reason;
+    qCWarning(logJson).noquote().nospace() << what << ' ' << path << ": " << reason;
 }
 
 /// Which of the extension classes of a plug-in is asked for.

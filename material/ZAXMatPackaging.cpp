@@ -35,7 +35,8 @@ ZAXMatPackagingPrivate::ZAXMatPackagingPrivate(ZAXMatPackaging* packaging)
 {
     length.RequestInitialization();
     width.RequestInitialization();
-    if (QMetaType::fromType<ZAXMatPackaging::Form>().isRegistered())
+    // Asked for by name: whether another module's copy of the type is registered, this one's cannot tell.
+    if (QMetaType::fromName("ZAXMatPackaging::Form").id() != 0)
         form.RequestInitialization();
     cost.RequestInitialization();
     comment.RequestInitialization();
