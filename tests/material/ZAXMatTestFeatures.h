@@ -34,10 +34,11 @@ private:
     ZAXFeatValueProperty<double> m_pressure;
 };
 
-/// A material extension that adds nothing.
+/// A material extension that adds nothing, and would hang on anything.
 class ZAXTestPiercing : public ZAXMatMaterialExtension
 {
     Q_OBJECT
+    Q_CLASSINFO("allowedParents", "ZAXMatMaterial ZAXMatPackaging ZAXMatRoot")
 
 public:
     Q_INVOKABLE ZAXTestPiercing(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference);
@@ -71,10 +72,11 @@ private:
     ZAXFeatValueProperty<double> m_margin;
 };
 
-/// A packaging extension that adds nothing.
+/// A packaging extension that adds nothing, and would hang on anything.
 class ZAXTestGrain : public ZAXMatPackagingExtension
 {
     Q_OBJECT
+    Q_CLASSINFO("allowedParents", "ZAXMatMaterial ZAXMatPackaging ZAXMatRoot")
 
 public:
     Q_INVOKABLE ZAXTestGrain(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference);

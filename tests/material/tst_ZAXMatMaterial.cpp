@@ -88,6 +88,7 @@ private slots:
     void canBeConstructedWithoutContainer();
     void startsWithLastSavedValues();
     void doesNotStartWithOtherValuesLastSaved();
+    void idIsDerivedAndNotTakenOver();
     void recreatedMaterialKeepsDefaultsWhateverWasLastSaved();
 
     void setterStoresAndNotifiesOnce_data();
@@ -447,6 +448,17 @@ void tst_ZAXMatMaterial::doesNotStartWithOtherValuesLastSaved()
     QCOMPARE(material->GetProviderId(), QByteArray());
     QCOMPARE(material->GetRemoteKey(), QByteArray());
     QCOMPARE(material->GetNestingColor().alpha(), 255);
+}
+
+void tst_ZAXMatMaterial::idIsDerivedAndNotTakenOver()
+{
+    ZAXTestLastSavedStore store;
+    store.SetValue("ZAXMatMaterial", "materialId", Text("Material - 0.5 mm"));
+    ZAXTestDocument document;
+    auto* const material = new ZAXMatMaterial(static_cast<ZAXFeatObject*>(document.root));
+    QSignalSpy spy(material, &ZAXMatMaterial::MaterialIdChanged);
+    material->Initialize();
+    QCOMPARE(spy.count(), 1);
 }
 
 void tst_ZAXMatMaterial::recreatedMaterialKeepsDefaultsWhateverWasLastSaved()
@@ -871,6 +883,7 @@ void tst_ZAXMatMaterial::childIsAllowed_data()
     row(ZAXMatRoot::staticMetaObject, false);
     row(ZAXMatPackagingExtension::staticMetaObject, false);
     row(ZAXTestTrim::staticMetaObject, false);
+    row(ZAXTestGrain::staticMetaObject, false);
     row(ZAXFeatObject::staticMetaObject, false);
     row(ZAXTestDependent::staticMetaObject, false);
 }

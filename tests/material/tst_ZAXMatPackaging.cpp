@@ -514,6 +514,7 @@ void tst_ZAXMatPackaging::childIsAllowed_data()
     row(ZAXTestTrim::staticMetaObject, true);
     row(ZAXMatMaterialExtension::staticMetaObject, false);
     row(ZAXTestAssistGas::staticMetaObject, false);
+    row(ZAXTestPiercing::staticMetaObject, false);
     row(ZAXMatPackaging::staticMetaObject, false);
     row(ZAXMatMaterial::staticMetaObject, false);
     row(ZAXFeatObject::staticMetaObject, false);

@@ -331,6 +331,7 @@ void tst_ZAXMatRoot::childIsAllowed_data()
     row(ZAXMatPackaging::staticMetaObject, false);
     row(ZAXMatRoot::staticMetaObject, false);
     row(ZAXTestPiercing::staticMetaObject, false);
+    row(ZAXTestGrain::staticMetaObject, false);
     row(ZAXFeatObject::staticMetaObject, false);
     row(ZAXTestDependent::staticMetaObject, false);
 }
