@@ -9,13 +9,13 @@
 #include "ZAXFeatRoot.h"
 #include "ZAXFeatValuePropertyBase.h"
 #include "ZAXGeoContainerPrivate.h"
-#include "ZAXGeoGeometryPrivate.h"
 #include "ZAXGeoStream.h"
 #include "ZAXSysException.h"
 
 #include <QCoreApplication>
 #include <QMetaClassInfo>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -170,27 +170,20 @@ void ZAXFeatObject::SetVisibility(bool visible)
 
 void ZAXFeatObject::Remove()
 {
-    if (std::exchange(d_ptr->isRemoved, true))
+    if (d_ptr->isLeaving)
         return;
-    d_ptr->ReleasePointers();
-    const auto subtree = d_ptr->Subtree();
-    for (ZAXFeatObject* feature : subtree)
-        feature->Cleanup();
+    d_ptr->TakeLeave();
     const QPointer<ZAXFeatObject> parent = GetParent();
     {
         const Change change(parent ? *parent->d_ptr : *d_ptr);
-        d_ptr->AttachTo(nullptr, -1);
+        d_ptr->Withdraw();
     }
+    const auto discard = qScopeGuard([self = QPointer<ZAXFeatObject>(this)] {
+        if (self)
+            self->d_ptr->Discard();
+    });
     if (parent && d_ptr->isAnnounced)
         emit parent->ChildRemoved(this);
-    // Deepest first: what somebody still holds must not go down with its parent.
-    const auto leaving = d_ptr->Subtree();
-    for (auto feature = leaving.crbegin(); feature != leaving.crend(); ++feature) {
-        auto& d = *(*feature)->d_ptr;
-        d.isRemoved = true;
-        d.AttachTo(nullptr, -1);
-        ZAXGeoGeometryPrivate::Discard(*feature);
-    }
 }
 
 void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
@@ -238,7 +231,7 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
         for (const ZAXFeatObjectPropertyBase* property : std::as_const(pointed->d_ptr->pointers)) {
             ZAXFeatObject* const dependent = property->GetFeature();
             const bool listsItsOwnChild = property->GetOwningList() && pointed->GetParent() == dependent;
-            if (!listsItsOwnChild && !seen.contains(dependent)) {
+            if (!listsItsOwnChild && !dependent->d_ptr->isRemoved && !seen.contains(dependent)) {
                 seen.insert(dependent);
                 reached.append(dependent);
             }
@@ -249,11 +242,12 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
 
 bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
 {
-    if (!parent || d_ptr->isRemoved || parent->d_ptr->isRemoved || parent->GetContainer() != GetContainer() ||
+    if (!parent || d_ptr->isLeaving || parent->d_ptr->isLeaving || parent->GetContainer() != GetContainer() ||
         d_ptr->Subtree().contains(parent) || !parent->IsChildAllowed(metaObject()))
         return false;
+    const QPointer<ZAXFeatObject> self = this;
     const QPointer<ZAXFeatObject> oldParent = GetParent();
-    const auto oldIndex = static_cast<int>(oldParent ? oldParent->d_ptr->children.indexOf(this) : -1);
+    const auto oldIndex = d_ptr->PlaceAmongSiblings();
     {
         const Change left(oldParent ? *oldParent->d_ptr : *d_ptr);
         const Change entered(*parent->d_ptr);
@@ -262,9 +256,12 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
     if (oldParent != parent) {
         if (oldParent)
             emit oldParent->ChildRemoved(this);
-        emit parent->ChildAdded(this);
+        // A slot may have done away with the feature, or taken it elsewhere.
+        if (self && GetParent() == parent)
+            emit parent->ChildAdded(this);
     }
-    PostMove(oldParent, oldIndex);
+    if (self)
+        PostMove(oldParent, oldIndex);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "ZAXFeatObjectPropertyBase.h"
 #include "ZAXFeatPropertyBasePrivate.h"
 #include "ZAXFeatRoot.h"
+#include "ZAXGeoGeometryPrivate.h"
 #include "ZAXSysException.h"
 
 #include <QMetaClassInfo>
@@ -39,6 +40,12 @@ QList<ZAXFeatObject*>* ZAXFeatObjectPrivate::Siblings() const
     return isRemoved ? &top.removed : &top.roots;
 }
 
+int ZAXFeatObjectPrivate::PlaceAmongSiblings() const
+{
+    const auto* const siblings = Siblings();
+    return siblings ? static_cast<int>(siblings->indexOf(q)) : -1;
+}
+
 void ZAXFeatObjectPrivate::AttachTo(ZAXFeatObject* newParent, qsizetype index)
 {
     Detach();
@@ -56,6 +63,38 @@ void ZAXFeatObjectPrivate::Detach()
             siblings->removeAt(position);
     }
     parent = nullptr;
+}
+
+void ZAXFeatObjectPrivate::TakeLeave()
+{
+    isLeaving = true;
+    try {
+        ReleasePointers();
+        const auto subtree = Subtree();
+        for (ZAXFeatObject* feature : subtree)
+            feature->Cleanup();
+    } catch (...) {
+        isLeaving = false;
+        throw;
+    }
+}
+
+void ZAXFeatObjectPrivate::Withdraw()
+{
+    Detach();
+    isLeaving = true;
+    isRemoved = true;
+    AttachTo(nullptr, -1);
+}
+
+void ZAXFeatObjectPrivate::Discard()
+{
+    // Deepest first: what somebody still holds must not go down with its parent.
+    const auto leaving = Subtree();
+    for (auto feature = leaving.crbegin(); feature != leaving.crend(); ++feature) {
+        Get(**feature).Withdraw();
+        ZAXGeoGeometryPrivate::Discard(*feature);
+    }
 }
 
 void ZAXFeatObjectPrivate::Announce()

@@ -26,6 +26,14 @@ public:
     void AttachTo(ZAXFeatObject* newParent, qsizetype index);
     /// Takes the feature out of the tree. Tells nobody.
     void Detach();
+    /// The index among the children of the parent, or among the features at the top; -1 for a feature that is neither.
+    int PlaceAmongSiblings() const;
+    /// Has the subtree take leave of what is outside it, before it is removed. An exception leaves it in its place.
+    void TakeLeave();
+    /// Takes the feature out of the tree and puts it among the removed ones. Tells nobody.
+    void Withdraw();
+    /// Withdraws the whole subtree and deletes what nobody holds a reference count on.
+    void Discard();
     /// Has the parent raise ChildAdded(), once in the feature's life.
     void Announce();
 
@@ -57,6 +65,9 @@ public:
     bool isInitialized = false;
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;
+    /// Remove() is under way or done.
+    bool isLeaving = false;
+    /// The feature has left the tree.
     bool isRemoved = false;
 
 private:
