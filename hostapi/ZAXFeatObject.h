@@ -65,7 +65,7 @@ public:
     void Save(ZAXGeoStream& stream) const override;
     void Load(ZAXGeoStream& stream) override;
     /// Takes the last-saved values over where properties ask for it and announces the feature by its parent's
-    /// ChildAdded(). Called a second time it does nothing.
+    /// ChildAdded(). Called a second time, or on a feature that was re-created, it does nothing.
     void Initialize() override;
 
     /// Whether a feature of class \a childType may become a child. The base allows every feature class.
@@ -88,11 +88,15 @@ public:
     virtual MoveActions GetAllowedMoveActions() const;
     virtual bool CanUserDuplicate() const;
     virtual void SetVisibility(bool visible);
-    /// Takes the feature out of the document: clears every property outside that points into its subtree, takes it
-    /// out of the tree, has the parent raise ChildRemoved() while the feature is still whole, and deletes it, or
-    /// leaves that to the last ZAXGeoGeometry::RemoveReference().
+    /// Takes the feature out of the document: clears every property outside that points into its subtree, calls
+    /// Cleanup() throughout the subtree, takes the feature out of the tree, has the parent raise ChildRemoved() while
+    /// the feature is still whole, and deletes it and all below it, or leaves that to the last
+    /// ZAXGeoGeometry::RemoveReference() of each. A second call does nothing.
+    /// An exception from a slot passes through: up to Cleanup() it leaves the feature where it is, from ChildRemoved()
+    /// on the feature is gone.
     virtual void Remove();
-    /// Called after a move. \a oldParent and \a oldIndex say where the feature came from.
+    /// Called after a move. \a oldParent and \a oldIndex say where the feature came from; \a oldParent is null when it
+    /// stood at the top of the tree.
     virtual void PostMove(ZAXFeatObject* oldParent, int oldIndex);
 
     /// Sets the label; an empty one brings the default label back.

@@ -106,7 +106,10 @@ private:
     {
         const std::unique_ptr<Item> item = std::move(*position);
         m_items.erase(position);
-        Emit(m_removedSignal, item->GetObject(), QLatin1String("removed"));
+        T* const object = item->GetObject();
+        // A slot may remove the object, which must find no item any more that is in no list.
+        item->SetPointedObject(nullptr);
+        Emit(m_removedSignal, object, QLatin1String("removed"));
     }
 
     void Emit(int signal, T* object, QLatin1String what)
@@ -132,6 +135,7 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatObjectListProperty<T
 }
 
 /// Replaces the list by a stored one, with notification. A reference that maps to an invalid one gives a null item.
+/// Where the stream ends too early or is damaged, its status says so and the list keeps what was read.
 /// \throws ZAXGeoGeometryNotFoundException for a valid reference that does not lead to a T.
 template <typename T>
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& list)
@@ -139,6 +143,9 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& lis
     list.Clear(false);
     qint32 count = 0;
     stream.GetDataStream() >> count;
+    if (count < 0)
+        stream.GetDataStream().setStatus(QDataStream::ReadCorruptData);
+    const ZAXGeoContainer* const container = stream.GetContainer();
     for (qint32 i = 0; i < count; ++i) {
         ZAXGeoGeometryRef stored;
         stream.GetDataStream() >> stored;
@@ -146,7 +153,7 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& lis
         if (stream.GetDataStream().status() != QDataStream::Ok)
             break;
         const ZAXGeoGeometryRef reference = stream.GetMappedReference(stored);
-        T* const object = qobject_cast<T*>(stream.GetContainer()->GetGeometryByRef(reference));
+        T* const object = container ? qobject_cast<T*>(container->GetGeometryByRef(reference)) : nullptr;
         if (!object && reference.IsValid())
             throw ZAXGeoGeometryNotFoundException(reference);
         list.Add(object, false);

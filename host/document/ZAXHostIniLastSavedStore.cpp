@@ -10,12 +10,13 @@ QString Key(const QByteArray& className, const QByteArray& property)
     return QString::fromUtf8(className + '/' + property);
 }
 
-/// \a value as the file keeps it: an enumeration by the name of its enumerator, which outlives a renumbering.
+/// \a value as the file keeps it: an enumeration by the name of its enumerator, which outlives a renumbering, and
+/// what is not of one of Qt's types as text. The settings hold on to it, so it is tied to no module.
 QVariant Stored(const QVariant& value)
 {
     const QMetaType type = value.metaType();
     if (!(type.flags() & QMetaType::IsEnumeration))
-        return value;
+        return type.id() < QMetaType::User ? ZAXFeatLastSavedStore::Detached(value) : QVariant(value.toString());
     const QMetaObject* const scope = type.metaObject();
     const QByteArray name = QByteArray(type.name());
     const int index = scope ? scope->indexOfEnumerator(name.mid(name.lastIndexOf(':') + 1).constData()) : -1;

@@ -80,7 +80,8 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
         return nullptr;
     }
     auto made = Construct(type, this, LookThroughFolders(parent));
-    if (!made) {
+    // A constructor that was given no parent may not know of the document.
+    if (!made || made->GetContainer() != this) {
         qCWarning(logFeature, "The class %s has no constructor to create it by.", className.constData());
         return nullptr;
     }
@@ -89,7 +90,12 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
         d.AttachTo(parent, -1);
     const ZAXFeatStep step(this);
     d.isAnnouncementDeferred = true;
-    made->Initialize();
+    try {
+        made->Initialize();
+    } catch (...) {
+        d.ReleasePointers();
+        throw;
+    }
     d.isAnnouncementDeferred = false;
     const QPointer<ZAXFeatObject> feature = made.release();
     d.Announce();

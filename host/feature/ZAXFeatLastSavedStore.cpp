@@ -26,12 +26,11 @@ public:
 
     void ReleaseModule(const void* module) override
     {
-        // An enumeration's value survives as the number that it is; anything else of the module's types is lost.
         for (auto& value : m_values) {
             if (IsPartOf(value, module))
-                value = value.metaType().flags() & QMetaType::IsEnumeration ? QVariant(value.toInt()) : QVariant();
+                value = Detached(value);
         }
-        m_values.removeIf([](const auto& entry) { return !entry.value().isValid(); });
+        m_values.removeIf([module](const auto& entry) { return IsPartOf(entry.value(), module); });
     }
 
 private:
@@ -70,6 +69,15 @@ ZAXFeatLastSavedStore::ZAXFeatLastSavedStore() = default;
 ZAXFeatLastSavedStore::~ZAXFeatLastSavedStore() = default;
 
 void ZAXFeatLastSavedStore::ReleaseModule(const void*) {}
+
+QVariant ZAXFeatLastSavedStore::Detached(const QVariant& value)
+{
+    if (value.metaType().flags() & QMetaType::IsEnumeration)
+        return value.toInt();
+    // The description of a type is compiled into each module that uses it, even where the type is Qt's.
+    const int type = value.typeId();
+    return type < QMetaType::User ? QVariant(QMetaType(type), value.constData()) : value;
+}
 
 ZAXFeatLastSavedStore& ZAXFeatLastSavedStore::GetCurrent()
 {

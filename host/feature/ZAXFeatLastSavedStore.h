@@ -23,6 +23,10 @@ public:
     /// stores that keep no QVariant of their own.
     virtual void ReleaseModule(const void* module);
 
+    /// \a value without a tie to the module that made it, where that can be: a value of one of Qt's types as Qt itself
+    /// makes it, that of an enumeration as its number. Other values are given back as they are.
+    static QVariant Detached(const QVariant& value);
+
     /// The store in use; at first one in memory.
     static ZAXFeatLastSavedStore& GetCurrent();
     /// Puts \a store, which must outlive its use, in the place of the one in use; null brings a new, empty one in

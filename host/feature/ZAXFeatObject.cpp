@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QMetaClassInfo>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -86,7 +87,7 @@ ZAXFeatObject::~ZAXFeatObject()
     while (!d_ptr->children.isEmpty())
         delete d_ptr->children.constLast();
     d_ptr->Detach();
-    if (d_ptr->isAside)
+    if (d_ptr->isAside && d_ptr->container)
         ZAXGeoContainerPrivate::Get(*d_ptr->container).aside.remove(GetId());
 }
 
@@ -175,26 +176,23 @@ void ZAXFeatObject::SetVisibility(bool visible)
 
 void ZAXFeatObject::Remove()
 {
-    if (d_ptr->isAside || d_ptr->isBeingRemoved || !d_ptr->container)
+    if (d_ptr->isAside || d_ptr->isLeaving)
         return;
-    d_ptr->isBeingRemoved = true;
     const ZAXFeatStep step(d_ptr->container);
-    d_ptr->ReleasePointers();
-    const auto subtree = d_ptr->Subtree();
-    for (ZAXFeatObject* feature : subtree)
-        feature->Cleanup();
+    d_ptr->TakeLeave();
     const QPointer<ZAXFeatObject> parent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->SetAside();
-    d_ptr->isBeingRemoved = false;
     auto* const observer = d_ptr->Observer();
     if (observer)
         observer->Placed(this, from, {});
     const bool isKept = observer && observer->KeepsRemoved();
+    const auto discard = qScopeGuard([isKept, self = QPointer<ZAXFeatObject>(this)] {
+        if (self && !isKept)
+            self->d_ptr->Discard();
+    });
     if (d_ptr->isAnnounced)
         d_ptr->RaiseRemoved(parent);
-    if (!isKept)
-        d_ptr->Discard();
 }
 
 void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
@@ -243,7 +241,7 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
         for (const ZAXFeatObjectPropertyBase* property : std::as_const(pointed->d_ptr->pointers)) {
             ZAXFeatObject* const dependent = property->GetFeature();
             const bool listsItsOwnChild = property->GetOwningList() && pointed->GetParent() == dependent;
-            if (!listsItsOwnChild && !seen.contains(dependent)) {
+            if (!listsItsOwnChild && !dependent->d_ptr->isAside && !seen.contains(dependent)) {
                 seen.insert(dependent);
                 reached.append(dependent);
             }
@@ -254,10 +252,12 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const
 
 bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
 {
-    if (!parent || d_ptr->isAside || parent->d_ptr->isAside || parent->GetContainer() != GetContainer() ||
+    const auto isGone = [](const ZAXFeatObjectPrivate& d) { return d.isAside || d.isLeaving; };
+    if (!parent || isGone(*d_ptr) || isGone(*parent->d_ptr) || parent->GetContainer() != GetContainer() ||
         d_ptr->Subtree().contains(parent) || !d_ptr->IsAllowedUnder(parent))
         return false;
     const ZAXFeatStep step(d_ptr->container);
+    const QPointer<ZAXFeatObject> self = this;
     const QPointer<ZAXFeatObject> oldParent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->AttachTo(parent, index);
@@ -266,9 +266,12 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
         observer->Placed(this, from, to);
     if (oldParent != parent) {
         d_ptr->RaiseRemoved(oldParent);
-        d_ptr->RaiseAdded(parent);
+        // A slot may have done away with the feature, or taken it elsewhere.
+        if (self && GetParent() == parent)
+            d_ptr->RaiseAdded(parent);
     }
-    PostMove(oldParent, static_cast<int>(from.index));
+    if (self)
+        PostMove(oldParent, static_cast<int>(from.index));
     return true;
 }
 

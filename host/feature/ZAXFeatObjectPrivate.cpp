@@ -11,6 +11,7 @@
 #include "ZAXSysException.h"
 
 #include <QMetaClassInfo>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -60,6 +61,16 @@ void ZAXFeatObjectPrivate::Detach()
     parent = nullptr;
 }
 
+void ZAXFeatObjectPrivate::TakeLeave()
+{
+    isLeaving = true;
+    const auto done = qScopeGuard([this] { isLeaving = false; });
+    ReleasePointers();
+    const auto subtree = Subtree();
+    for (ZAXFeatObject* feature : subtree)
+        feature->Cleanup();
+}
+
 bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
 {
     if (!isPlaceholder)
@@ -101,11 +112,13 @@ void ZAXFeatObjectPrivate::Announce()
 
 void ZAXFeatObjectPrivate::SetAside()
 {
-    auto& index = ZAXGeoContainerPrivate::Get(*container);
     Detach();
     const auto subtree = Subtree();
     for (ZAXFeatObject* feature : subtree) {
         Get(*feature).isAside = true;
+        if (!container)
+            continue;
+        auto& index = ZAXGeoContainerPrivate::Get(*container);
         index.Remove(feature->GetId(), feature);
         index.aside.insert(feature->GetId(), feature);
     }

@@ -34,6 +34,8 @@ public:
     bool IsAllowedUnder(const ZAXFeatObject* parent) const;
     /// Where the feature stands now.
     ZAXFeatPlace Place() const;
+    /// Has the subtree take leave of what is outside it, before it is removed. An exception leaves it in its place.
+    void TakeLeave();
     /// Has the parent raise ChildAdded(), once in the feature's life.
     void Announce();
     /// Takes the feature with its subtree out of the tree: references no longer find it. Tells nobody.
@@ -74,7 +76,8 @@ public:
     bool isAside = false;
     /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
     bool isPlaceholder = false;
-    bool isBeingRemoved = false;
+    /// Remove() is under way.
+    bool isLeaving = false;
 
     ZAXFeatChangeObserver* Observer() const;
 
