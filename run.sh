@@ -14,7 +14,7 @@ document=${1:-build/release/example.zaxdoc}
 export ZAXMAT_CATALOGUE=$PWD/examples/catalogue
 zaxmat=build/release/bin/zaxmat
 
-"$zaxmat" list
+"$zaxmat" list | tail -n 1
 echo
 "$zaxmat" use --document "$document" S235JR --thickness "2 mm"
 echo

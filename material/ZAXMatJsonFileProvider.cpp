@@ -19,6 +19,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cerrno>
 #include <utility>
 
 namespace {
@@ -76,6 +77,63 @@ QList<QByteArray> ExtensionPropertyNames(PluginMetaObject metaObject, const QByt
     return names;
 }
 
+/// The root object of a file; empty, with the reason logged, when the file is malformed.
+QJsonObject Parse(const QString& path, const QByteArray& text)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError)
+        Warn("Malformed", path,
+             QStringLiteral("%1 (at byte %2)").arg(error.errorString(), QString::number(error.offset)));
+    else if (!document.isObject())
+        Warn("Malformed", path, QStringLiteral("the file holds no JSON object"));
+    return document.object();
+}
+
+/// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
+bool WriteAll(QFileDevice& file, const QByteArray& text)
+{
+    errno = 0;
+    // Flushed here: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
+    if (file.write(text) == text.size() && file.flush())
+        return true;
+    // A device that is full takes a part of the bytes first, for which Qt knows no reason.
+    Warn("Cannot write", file.fileName(), errno != 0 ? qt_error_string(errno) : file.errorString());
+    return false;
+}
+
+/// Replaces the file by \a text as a whole. False, with the reason logged, when it stays as it was.
+bool WriteAside(QSaveFile& file, const QByteArray& text)
+{
+    // QSaveFile gives the new file the permissions of the old one, but counts in what the current user may do: for the
+    // superuser that is everything.
+    constexpr auto currentUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+    if (QFileInfo::exists(file.fileName()))
+        file.setPermissions(QFile::permissions(file.fileName()) & ~currentUser);
+
+    const bool isWritten = WriteAll(file, text);
+    if (!isWritten)
+        file.cancelWriting();
+    const bool isReplaced = file.commit();
+    if (isWritten && !isReplaced)
+        Warn("Cannot write", file.fileName(), file.errorString());
+    return isWritten && isReplaced;
+}
+
+/// Overwrites the file, which must be unbuffered, by \a text. False, with the reason logged, when that fails; the file
+/// holds what it held before then, unless the system does not even take that back.
+bool WriteInPlace(QFile& file, const QByteArray& text)
+{
+    const QByteArray before = file.readAll();
+    file.seek(0);
+    if (WriteAll(file, text) && file.resize(text.size()))
+        return true;
+    file.seek(0);
+    file.write(before);
+    file.resize(before.size());
+    return false;
+}
+
 /// A record that no provider has yet.
 ZAXMatDefinition NewRecord(ZAXMatDefinition::Type type, const QString& name)
 {
@@ -107,28 +165,22 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
         return;
 
     QFile file(path);
-    QByteArray text;
+    errno = 0;
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    // A file that is not there yet is nothing to report.
+    if (!isOpen && errno == ENOENT)
+        return;
     // The time of the very file that is read: should another take its place meanwhile, that is read the next time.
-    QDateTime timeRead;
-    if (file.open(QIODevice::ReadOnly)) {
-        timeRead = file.fileTime(QFileDevice::FileModificationTime);
-        text = file.readAll();
-    }
+    const QDateTime timeRead = file.fileTime(QFileDevice::FileModificationTime);
+    const QByteArray text = isOpen ? file.readAll() : QByteArray();
     if (file.error() != QFileDevice::NoError) {
-        // A file that is missing is nothing to report, and one that cannot be read is tried at every operation.
-        if (fileTime.isValid() && !std::exchange(isReadFailureLogged, true))
+        // Once, not for every operation that tries again.
+        if (!std::exchange(isReadFailureLogged, true))
             Warn("Cannot read", path, file.errorString());
         return;
     }
 
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
-    if (error.error != QJsonParseError::NoError)
-        Warn("Malformed", path,
-             QStringLiteral("%1 (at byte %2)").arg(error.errorString(), QString::number(error.offset)));
-    else if (!document.isObject())
-        Warn("Malformed", path, QStringLiteral("the file holds no JSON object"));
-    TakeRecords(document.object());
+    TakeRecords(Parse(path, text));
     lastFileTime = timeRead;
     mustLoad = false;
     isReadFailureLogged = false;
@@ -155,29 +207,16 @@ void ZAXMatJsonFileProviderPrivate::TakeRecords(const QJsonObject& root)
 bool ZAXMatJsonFileProviderPrivate::Write() const
 {
     const QString path = FilePath();
-    QSaveFile file(path);
-    file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly)) {
-        Warn("Cannot write", path, file.errorString());
-        return false;
-    }
-    // QSaveFile gives the new file the permissions of the old one, but counts in what the current user may do: for the
-    // superuser that is everything.
-    constexpr auto currentUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
-    if (QFileInfo::exists(path))
-        file.setPermissions(QFile::permissions(path) & ~currentUser);
-
-    // Flushed by hand: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
     const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
-    const bool isWritten = file.write(text) == text.size() && file.flush();
-    const QString reason = file.errorString();
-    if (!isWritten)
-        file.cancelWriting();
-    if (!file.commit() || !isWritten) {
-        Warn("Cannot write", path, isWritten ? file.errorString() : reason);
-        return false;
-    }
-    return true;
+    QSaveFile aside(path);
+    if (aside.open(QIODevice::WriteOnly))
+        return WriteAside(aside, text);
+    // A directory that takes no new file may still hold one that can be written to.
+    QFile inPlace(path);
+    if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+        return WriteInPlace(inPlace, text);
+    Warn("Cannot write", path, aside.errorString());
+    return false;
 }
 
 QJsonObject ZAXMatJsonFileProviderPrivate::ToJson() const

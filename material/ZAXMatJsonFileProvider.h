@@ -79,7 +79,7 @@ public:
     QByteArray GetProviderId() const override;
     /// Writes all records to the file, whatever it holds, and has the next operation read it again. The file is
     /// replaced as a whole and keeps its permissions; a symbolic link to it stays. Only in a directory that takes no
-    /// new file is it written in place. If it cannot be written, it stays as it was.
+    /// new file is it overwritten in place. If it cannot be written, it stays as it was.
     void Commit() override;
 
 private:

@@ -1,5 +1,6 @@
 #include "ZAXMatMaterialProviderManager.h"
 
+#include "ZAXMatProvider.h"
 #include "ZAXSysException.h"
 
 #include <algorithm>
@@ -29,6 +30,9 @@ ZAXMatMaterialProviderManager::ZAXMatMaterialProviderManager(const QByteArray& i
         throw ZAXSysException(QLatin1String("A provider manager with the given ID already exists."));
     d_ptr->id = id;
     registry.insert(id, this);
+    // A manager that lives until the program ends, owning its providers, needs their registry to live longer still: it
+    // must be made before the manager is, not by the first provider.
+    ZAXMatProvider::GetProvider(id);
 }
 
 ZAXMatMaterialProviderManager::~ZAXMatMaterialProviderManager()
