@@ -129,8 +129,7 @@ void tst_ZaxmatCatalogue::damagedFileIsRefused_data()
                                       << "object is missing after a comma at line 3, column 1";
     QTest::newRow("a comma missing") << list << QByteArray("{\r\n\"a\": 1\r\n\"b\": 2\r\n}")
                                      << "unterminated object at line 3, column 1";
-    QTest::newRow("cut off") << list << QByteArray("{\n\"a\": { \"b\"")
-                             << "unterminated string at line 2, column 10";
+    QTest::newRow("cut off") << list << QByteArray("{\n\"a\": { \"b\"") << "unterminated string at line 2, column 10";
     QTest::newRow("a second object") << list << QByteArray("{}\n{}")
                                      << "garbage at the end of the document at line 1, column 3";
     QTest::newRow("an array") << list << QByteArray("[]") << "it holds no JSON object";

@@ -252,6 +252,7 @@ void tst_ZaxmatUse::takesNamedStockForms()
     const Run run = Use(workshop, arguments);
     QCOMPARE(run.err, "");
     QCOMPARE(run.code, 0);
+    QCOMPARE(run.out.count("\nStock form  "), stockForms.size());
     QCOMPARE(Opened(workshop).GetStockForms(0), stockForms);
 }
 
@@ -386,15 +387,15 @@ void tst_ZaxmatUse::missingValuesDoNotComeFromTheDocument()
 
 void tst_ZaxmatUse::materialIdIsMadeInAnyOrder_data()
 {
-    QTest::addColumn<QByteArray>("seed");
-    for (int seed = 0; seed < 12; ++seed)
-        QTest::addRow("seed %d", seed) << QByteArray::number(seed * 7919);
+    // Each run of a program orders its hashes anew. Half of the orders go wrong for some ID unless it is seen to.
+    QTest::addColumn<int>("run");
+    for (int run = 1; run <= 16; ++run)
+        QTest::addRow("run %d", run) << run;
 }
 
 void tst_ZaxmatUse::materialIdIsMadeInAnyOrder()
 {
-    QFETCH(QByteArray, seed);
-    Workshop workshop;
+    const Workshop workshop;
     // What a record holds that was made through the provider and never given an ID; and what a customised one does.
     workshop.WriteCatalogue(
         {Material("a", "Without",
@@ -414,7 +415,6 @@ void tst_ZaxmatUse::materialIdIsMadeInAnyOrder()
          Material(
              "d", "Customised",
              {{"materialId", "my own"}, {"isMaterialIdCustomized", true}, {"materialType", "T"}, {"thickness", 2}})});
-    workshop.environment.insert("QT_HASH_SEED", seed);
     const QStringList keys{"a", "b", "c", "d"};
     for (const QString& key : keys)
         QCOMPARE(Use(workshop, {key}).code, 0);
@@ -449,10 +449,10 @@ void tst_ZaxmatUse::materialIsFoundInAFolder()
     QVERIFY2(run.out.contains("\nMaterial    Renamed      found            steel-2\n"
                               "Stock form  Sheet large  created          steel-2-large\n"),
              qUtf8Printable(run.out));
-    QCOMPARE(Tree(run), (QStringList{"Materials Root", "  Sheets",
-                                     "    Material: Renamed - 2.0004 mm (T, 2.0004 mm, 0.5 g/cm³)",
-                                     "      Stock form: Sheet large (Rectangular, 3000 mm x 1500 mm, cost 70.65, "
-                                     "active)"}));
+    QCOMPARE(Tree(run),
+             (QStringList{"Materials Root", "  Sheets", "    Material: Renamed - 2.0004 mm (T, 2.0004 mm, 0.5 g/cm³)",
+                          "      Stock form: Sheet large (Rectangular, 3000 mm x 1500 mm, cost 70.65, "
+                          "active)"}));
     QCOMPARE(run.code, 0);
 }
 
