@@ -208,8 +208,9 @@ ZAXHostResult ZAXHostDocument::SaveAs(const QString& path)
     } catch (const ZAXSysException& exception) {
         return failed(exception.GetMessage());
     }
+    // Flushed by hand: QSaveFile replaces the old file even when the last bytes, which it holds back, cannot be written.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
         return failed(file.errorString());
     QFile written(path);
     if (!written.open(QIODevice::ReadOnly) || written.readAll() != bytes)

@@ -259,8 +259,8 @@ QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
         writer.Sized(EncodeBody(record, static_cast<quint32>(classIndex)));
         writer.ChecksumSince(start);
     }
-    writer << endTag << static_cast<quint64>(image.records.size())
-           << static_cast<quint64>(writer.Size() + 2 * sizeof(quint64) + sizeof(endTag) + checksumSize);
+    writer << endTag << static_cast<quint64>(image.records.size());
+    writer << static_cast<quint64>(writer.Size() + static_cast<qsizetype>(sizeof(quint64)) + checksumSize);
     writer.ChecksumSince(0);
     return writer.Bytes();
 }

@@ -1,0 +1,425 @@
+#include "ZAXMatJsonFileProvider.h"
+
+#include "ZAXMatExtensionPlugin.h"
+#include "ZAXMatJsonFileProviderPrivate.h"
+#include "ZAXMatMaterial.h"
+#include "ZAXMatMaterialExtension.h"
+#include "ZAXMatPackaging.h"
+#include "ZAXMatPackagingExtension.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QLoggingCategory>
+#include <QMap>
+#include <QMetaProperty>
+#include <QSaveFile>
+#include <QUuid>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+namespace {
+
+Q_LOGGING_CATEGORY(logJson, "zax.material.json")
+
+void Warn(const char* what, const QString& path, const QString& reason)
+{
+    qCWarning(logJson).noquote().nospace() << what << ' ' << path << ": " << reason;
+}
+
+/// Which of the extension classes of a plug-in is asked for.
+using PluginMetaObject = const QMetaObject* (ZAXMatExtensionPlugin::*)() const;
+
+constexpr PluginMetaObject materialExtension = &ZAXMatExtensionPlugin::GetMaterialExtensionMetaObject;
+constexpr PluginMetaObject packagingExtension = &ZAXMatExtensionPlugin::GetPackagingExtensionMetaObject;
+
+QList<const QMetaObject*> ExtensionClasses(PluginMetaObject metaObject)
+{
+    QList<const QMetaObject*> classes;
+    const QList<ZAXMatExtensionPlugin*> plugins = ZAXMatExtensionPlugin::GetPlugins();
+    for (const ZAXMatExtensionPlugin* const plugin : plugins)
+        classes.append((plugin->*metaObject)());
+    return classes;
+}
+
+QList<QByteArray> ExtensionNames(PluginMetaObject metaObject)
+{
+    QList<QByteArray> names;
+    const QList<const QMetaObject*> classes = ExtensionClasses(metaObject);
+    for (const QMetaObject* const extensionClass : classes)
+        names.append(QByteArray(extensionClass->className()));
+    return names;
+}
+
+/// The names of the properties that \a type declares and those that its bases do, from the class \a first down.
+QList<QByteArray> PropertyNames(const QMetaObject& type, const QMetaObject& first)
+{
+    QList<QByteArray> names;
+    for (int i = first.propertyOffset(); i < type.propertyCount(); ++i)
+        names.append(QByteArray(type.property(i).name()));
+    return names;
+}
+
+/// The same for the extension class of every plug-in that is named \a extension.
+QList<QByteArray> ExtensionPropertyNames(PluginMetaObject metaObject, const QByteArray& extension,
+                                         const QMetaObject& first)
+{
+    QList<QByteArray> names;
+    const QList<const QMetaObject*> classes = ExtensionClasses(metaObject);
+    for (const QMetaObject* const extensionClass : classes) {
+        if (extension == extensionClass->className())
+            names.append(PropertyNames(*extensionClass, first));
+    }
+    return names;
+}
+
+/// The root object of a file; empty, with the reason logged, when the file is malformed.
+QJsonObject Parse(const QString& path, const QByteArray& text)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError)
+        Warn("Malformed", path,
+             QStringLiteral("%1 (at byte %2)").arg(error.errorString(), QString::number(error.offset)));
+    else if (!document.isObject())
+        Warn("Malformed", path, QStringLiteral("the file holds no JSON object"));
+    return document.object();
+}
+
+/// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
+bool WriteAll(QFileDevice& file, const QByteArray& text)
+{
+    errno = 0;
+    // Flushed here: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
+    if (file.write(text) == text.size() && file.flush())
+        return true;
+    // A device that is full takes a part of the bytes first, for which Qt knows no reason.
+    Warn("Cannot write", file.fileName(), errno != 0 ? qt_error_string(errno) : file.errorString());
+    return false;
+}
+
+/// Replaces the file by \a text as a whole. False, with the reason logged, when it stays as it was.
+bool WriteAside(QSaveFile& file, const QByteArray& text)
+{
+    // QSaveFile gives the new file the permissions of the old one, but counts in what the current user may do: for the
+    // superuser that is everything.
+    constexpr auto currentUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
+    if (QFileInfo::exists(file.fileName()))
+        file.setPermissions(QFile::permissions(file.fileName()) & ~currentUser);
+
+    const bool isWritten = WriteAll(file, text);
+    if (!isWritten)
+        file.cancelWriting();
+    const bool isReplaced = file.commit();
+    if (isWritten && !isReplaced)
+        Warn("Cannot write", file.fileName(), file.errorString());
+    return isWritten && isReplaced;
+}
+
+/// Overwrites the file, which must be unbuffered, by \a text. False, with the reason logged, when that fails; the file
+/// holds what it held before then, unless the system does not even take that back.
+bool WriteInPlace(QFile& file, const QByteArray& text)
+{
+    const QByteArray before = file.readAll();
+    file.seek(0);
+    if (WriteAll(file, text) && file.resize(text.size()))
+        return true;
+    file.seek(0);
+    file.write(before);
+    file.resize(before.size());
+    return false;
+}
+
+/// A record that no provider has yet.
+ZAXMatDefinition NewRecord(ZAXMatDefinition::Type type, const QString& name)
+{
+    ZAXMatDefinition record;
+    record.SetKey(QUuid::createUuid().toByteArray(QUuid::WithBraces));
+    record.SetName(name);
+    record.SetType(type);
+    return record;
+}
+
+} // namespace
+
+ZAXMatJsonFileProviderPrivate::ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label,
+                                                             const QString& directory)
+    : id(id), label(label), directory(directory), lastFileTime(QDateTime::currentDateTime())
+{
+}
+
+QString ZAXMatJsonFileProviderPrivate::FilePath() const
+{
+    return directory + QDir::separator() + QLatin1String("materials.json");
+}
+
+void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
+{
+    const QString path = FilePath();
+    const QDateTime fileTime = QFileInfo(path).fileTime(QFileDevice::FileModificationTime);
+    if (!mustLoad && fileTime == lastFileTime)
+        return;
+
+    QFile file(path);
+    errno = 0;
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    // A file that is not there yet is nothing to report.
+    if (!isOpen && errno == ENOENT)
+        return;
+    // The time of the very file that is read: should another take its place meanwhile, that is read the next time.
+    const QDateTime timeRead = file.fileTime(QFileDevice::FileModificationTime);
+    const QByteArray text = isOpen ? file.readAll() : QByteArray();
+    if (file.error() != QFileDevice::NoError) {
+        // Once, not for every operation that tries again.
+        if (!std::exchange(isReadFailureLogged, true))
+            Warn("Cannot read", path, file.errorString());
+        return;
+    }
+
+    TakeRecords(Parse(path, text));
+    lastFileTime = timeRead;
+    mustLoad = false;
+    isReadFailureLogged = false;
+}
+
+void ZAXMatJsonFileProviderPrivate::TakeRecords(const QJsonObject& root)
+{
+    materials.clear();
+    materialPackagings.clear();
+    packagings.clear();
+    packagingMaterial.clear();
+    for (auto member = root.begin(); member != root.end(); ++member) {
+        ZAXMatDefinition record;
+        record.FromJson(member.value());
+        if (!record.IsValid())
+            continue;
+        if (record.GetType() == ZAXMatDefinition::Material)
+            materials.insert(record.GetKey(), record);
+        else if (record.GetType() == ZAXMatDefinition::Packaging)
+            AddPackaging(record);
+    }
+}
+
+bool ZAXMatJsonFileProviderPrivate::Write() const
+{
+    const QString path = FilePath();
+    const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
+    QSaveFile aside(path);
+    if (aside.open(QIODevice::WriteOnly))
+        return WriteAside(aside, text);
+    // A directory that takes no new file may still hold one that can be written to.
+    QFile inPlace(path);
+    if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
+        return WriteInPlace(inPlace, text);
+    Warn("Cannot write", path, aside.errorString());
+    return false;
+}
+
+QJsonObject ZAXMatJsonFileProviderPrivate::ToJson() const
+{
+    // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
+    QMap<QString, const ZAXMatDefinition*> records;
+    for (auto material = materials.begin(); material != materials.end(); ++material)
+        records.insert(QString::fromUtf8(material.key()), &material.value());
+    for (auto packaging = packagings.begin(); packaging != packagings.end(); ++packaging)
+        records.insert(QString::fromUtf8(packaging.key()), &packaging.value());
+    QJsonObject root;
+    for (auto record = records.begin(); record != records.end(); ++record)
+        root.insert(record.key(), record.value()->ToJson());
+    return root;
+}
+
+void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)
+{
+    packagings.insert(packaging.GetKey(), packaging);
+    materialPackagings.insert(packaging.GetMaterialKey(), packaging.GetKey());
+    packagingMaterial.insert(packaging.GetKey(), packaging.GetMaterialKey());
+}
+
+bool ZAXMatJsonFileProviderPrivate::RemovePackaging(const QByteArray& key)
+{
+    if (!packagings.remove(key))
+        return false;
+    materialPackagings.remove(packagingMaterial.value(key), key);
+    packagingMaterial.remove(key);
+    return true;
+}
+
+ZAXMatJsonFileProviderPrivate::Records& ZAXMatJsonFileProviderPrivate::RecordsOf(ZAXMatDefinition::Type type)
+{
+    return type == ZAXMatDefinition::Material ? materials : packagings;
+}
+
+ZAXMatJsonFileProvider::ZAXMatJsonFileProvider() : ZAXMatJsonFileProvider(QLatin1String("C:/JSONDOC")) {}
+
+ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QString& directory)
+    : ZAXMatJsonFileProvider(QByteArray("ZAXMatJsonFileProvider"), std::nullopt, directory)
+{
+}
+
+ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QByteArray& id, const QString& label, const QString& directory)
+    : ZAXMatJsonFileProvider(id, std::optional(label), directory)
+{
+}
+
+ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QByteArray& id, const std::optional<QString>& label,
+                                               const QString& directory)
+    : ZAXMatProvider(id), d_ptr(std::make_unique<ZAXMatJsonFileProviderPrivate>(id, label, directory))
+{
+    d_ptr->LoadIfChanged();
+}
+
+ZAXMatJsonFileProvider::~ZAXMatJsonFileProvider() = default;
+
+bool ZAXMatJsonFileProvider::IsReadOnly() const
+{
+    return false;
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetSupportedMaterialExtensions() const
+{
+    return ExtensionNames(materialExtension);
+}
+
+bool ZAXMatJsonFileProvider::HasPackaging() const
+{
+    return true;
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetSupportedPackagingExtensions() const
+{
+    return ExtensionNames(packagingExtension);
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetSupportedMaterialProperties(const QByteArray& extension) const
+{
+    const QMetaObject& material = ZAXMatMaterial::staticMetaObject;
+    QList<QByteArray> names = extension.isEmpty() ? PropertyNames(material, material)
+                                                  : ExtensionPropertyNames(materialExtension, extension,
+                                                                           ZAXMatMaterialExtension::staticMetaObject);
+    names.removeAll(QByteArray(ZAXMatMaterial::Property_providerId));
+    names.removeAll(QByteArray(ZAXMatMaterial::Property_remoteKey));
+    names.removeAll(QByteArray(ZAXMatMaterial::Property_nestingColor));
+    return names;
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetSupportedPackagingProperties(const QByteArray& extension) const
+{
+    const QMetaObject& packaging = ZAXMatPackaging::staticMetaObject;
+    QList<QByteArray> names = extension.isEmpty() ? PropertyNames(packaging, packaging)
+                                                  : ExtensionPropertyNames(packagingExtension, extension,
+                                                                           ZAXMatPackagingExtension::staticMetaObject);
+    names.removeAll(QByteArray(ZAXMatPackaging::Property_remoteKey));
+    return names;
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetMaterialKeys() const
+{
+    d_ptr->LoadIfChanged();
+    return d_ptr->materials.keys();
+}
+
+ZAXMatDefinition ZAXMatJsonFileProvider::GetMaterial(const QByteArray& key) const
+{
+    d_ptr->LoadIfChanged();
+    return d_ptr->materials.value(key);
+}
+
+ZAXMatDefinition ZAXMatJsonFileProvider::CreateMaterial(const QString& name)
+{
+    Q_D(ZAXMatJsonFileProvider);
+    d->LoadIfChanged();
+    ZAXMatDefinition material = NewRecord(ZAXMatDefinition::Material, name);
+    QList<QByteArray> extensions = GetSupportedMaterialExtensions();
+    extensions.prepend(QByteArray());
+    for (const QByteArray& extension : std::as_const(extensions)) {
+        const QList<QByteArray> properties = GetSupportedMaterialProperties(extension);
+        for (const QByteArray& property : properties)
+            material.SetValue(property, QVariant(), extension);
+    }
+    d->materials.insert(material.GetKey(), material);
+    return material;
+}
+
+bool ZAXMatJsonFileProvider::RemoveMaterial(const QByteArray& key)
+{
+    Q_D(ZAXMatJsonFileProvider);
+    d->LoadIfChanged();
+    const QList<QByteArray> packagingKeys = d->materialPackagings.values(key);
+    const auto remove = [this](const QByteArray& packagingKey) { return RemovePackaging(packagingKey); };
+    return std::ranges::all_of(packagingKeys, remove) && d->materials.remove(key);
+}
+
+QList<QByteArray> ZAXMatJsonFileProvider::GetPackagingKeys(const QByteArray& materialKey) const
+{
+    d_ptr->LoadIfChanged();
+    return d_ptr->materialPackagings.values(materialKey);
+}
+
+ZAXMatDefinition ZAXMatJsonFileProvider::GetPackaging(const QByteArray& key) const
+{
+    d_ptr->LoadIfChanged();
+    return d_ptr->packagings.value(key);
+}
+
+ZAXMatDefinition ZAXMatJsonFileProvider::CreatePackaging(const QString& name, const QByteArray& materialKey)
+{
+    Q_D(ZAXMatJsonFileProvider);
+    d->LoadIfChanged();
+    ZAXMatDefinition packaging = NewRecord(ZAXMatDefinition::Packaging, name);
+    packaging.SetMaterialKey(materialKey);
+    QList<QByteArray> extensions = GetSupportedPackagingExtensions();
+    extensions.prepend(QByteArray());
+    for (const QByteArray& extension : std::as_const(extensions)) {
+        const QList<QByteArray> properties = GetSupportedPackagingProperties(extension);
+        for (const QByteArray& property : properties)
+            packaging.SetValue(property, QVariant(), extension);
+    }
+    d->AddPackaging(packaging);
+    return packaging;
+}
+
+bool ZAXMatJsonFileProvider::RemovePackaging(const QByteArray& key)
+{
+    Q_D(ZAXMatJsonFileProvider);
+    d->LoadIfChanged();
+    return d->RemovePackaging(key);
+}
+
+bool ZAXMatJsonFileProvider::Update(const ZAXMatDefinition& definition)
+{
+    Q_D(ZAXMatJsonFileProvider);
+    d->LoadIfChanged();
+    if (!definition.IsValid())
+        return false;
+    auto& records = d->RecordsOf(definition.GetType());
+    const auto stored = records.find(definition.GetKey());
+    if (stored == records.end())
+        return false;
+    stored->CopyValues(definition);
+    stored->SetName(definition.GetName());
+    return true;
+}
+
+QString ZAXMatJsonFileProvider::GetProviderLabel() const
+{
+    Q_D(const ZAXMatJsonFileProvider);
+    return d->label.value_or(QCoreApplication::translate("ZAXMatJsonFileProvider", "JSON File Provider"));
+}
+
+QByteArray ZAXMatJsonFileProvider::GetProviderId() const
+{
+    Q_D(const ZAXMatJsonFileProvider);
+    return d->id;
+}
+
+void ZAXMatJsonFileProvider::Commit()
+{
+    Q_D(ZAXMatJsonFileProvider);
+    if (d->Write())
+        d->mustLoad = true;
+}

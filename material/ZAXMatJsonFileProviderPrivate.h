@@ -1,0 +1,60 @@
+#ifndef ZAXMATJSONFILEPROVIDERPRIVATE_H
+#define ZAXMATJSONFILEPROVIDERPRIVATE_H
+
+// Private to the library: not installed, and free to change.
+
+#include "ZAXMatDefinition.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QJsonObject>
+#include <QMultiHash>
+
+#include <optional>
+
+/// The catalogue in memory and the file that it is read from and written to.
+class ZAXMatJsonFileProviderPrivate
+{
+public:
+    using Records = QHash<QByteArray, ZAXMatDefinition>;
+
+    ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label, const QString& directory);
+
+    QString FilePath() const;
+    /// Replaces the tables by what the file holds if that is not what was read last. They stay if it cannot be read.
+    void LoadIfChanged();
+    /// Replaces the file by the tables. False, with the reason logged, when that fails.
+    bool Write() const;
+
+    /// Stores \a packaging and links it to its material.
+    void AddPackaging(const ZAXMatDefinition& packaging);
+    /// Removes and unlinks a packaging; false when there is none.
+    bool RemovePackaging(const QByteArray& key);
+    /// The table that \a type is kept in: packagings for anything but a material.
+    Records& RecordsOf(ZAXMatDefinition::Type type);
+
+    const QByteArray id;
+    /// Null for the default label, which follows the user's language.
+    const std::optional<QString> label;
+    const QString directory;
+
+    /// Modification time of the file at the last load, at first the time of construction.
+    QDateTime lastFileTime;
+    /// Set before the first load and after a Commit(): the file is to be read whatever its time, since times are too
+    /// coarse to tell a file from one that was written a moment later.
+    bool mustLoad = true;
+    bool isReadFailureLogged = false;
+
+    Records materials;
+    Records packagings;
+    /// Packaging key to the key of its material.
+    QHash<QByteArray, QByteArray> packagingMaterial;
+    /// Material key to the keys of its packagings.
+    QMultiHash<QByteArray, QByteArray> materialPackagings;
+
+private:
+    void TakeRecords(const QJsonObject& root);
+    QJsonObject ToJson() const;
+};
+
+#endif

@@ -1,0 +1,99 @@
+#include "CommandLine.h"
+
+#include "CommandOptions.h"
+#include "Failure.h"
+#include "ListCommand.h"
+#include "Output.h"
+#include "ShowCommand.h"
+#include "Text.h"
+#include "UseCommand.h"
+
+#include <CLI/CLI.hpp>
+
+#include <sstream>
+
+namespace zaxmat {
+
+namespace {
+
+QString ExitCodesText()
+{
+    return Text::tr("Exit codes:\n"
+                    "  0  done\n"
+                    "  1  invalid values\n"
+                    "  2  wrong usage: unknown, ambiguous, no number\n"
+                    "  3  a file that cannot be read, understood or written");
+}
+
+/// The program with all its commands. Once it has parsed a command line, \a chosen is what to do.
+std::unique_ptr<CLI::App> MakeProgram(Action& chosen)
+{
+    auto program = std::make_unique<CLI::App>(
+        Utf8(Text::tr("Catalogues of sheet materials, and the materials of documents.")), "zaxmat");
+    program->set_help_flag("-h,--help", Utf8(Text::tr("Prints this help.")));
+    program->set_version_flag("--version", "zaxmat " ZAXMAT_VERSION, Utf8(Text::tr("Prints the version.")));
+    AddListCommand(*program, chosen);
+    AddShowCommand(*program, chosen);
+    AddUseCommand(*program, chosen);
+    program->footer(
+        Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
+    return program;
+}
+
+/// "zaxmat", with the command that was given.
+QString InvocationOf(const CLI::App& program)
+{
+    const auto commands = program.get_subcommands();
+    return QString::fromStdString(commands.empty() ? program.get_name()
+                                                   : program.get_name() + ' ' + commands.back()->get_name());
+}
+
+/// What \a arguments ask for.
+Action Parse(const QStringList& arguments)
+{
+    Action chosen;
+    const auto program = MakeProgram(chosen);
+    std::vector<std::string> reversed;
+    std::ranges::transform(arguments, std::back_inserter(reversed), Utf8);
+    std::ranges::reverse(reversed);
+    try {
+        program->parse(std::move(reversed));
+    } catch (const CLI::Success& answer) {
+        std::ostringstream text;
+        program->exit(answer, text, text);
+        return [text = QString::fromStdString(text.str())](Output& output) {
+            output.Print(text.trimmed());
+            return ExitCode::Done;
+        };
+    } catch (const CLI::ParseError& error) {
+        throw Failure(ExitCode::WrongUsage, Text::tr("%1\n\"%2 --help\" explains the usage.")
+                                                .arg(QString::fromStdString(error.what()), InvocationOf(*program)));
+    }
+    if (!chosen)
+        throw Failure(ExitCode::WrongUsage,
+                      Text::tr("A command is missing.\n\"%1 --help\" explains the usage.").arg(InvocationOf(*program)));
+    return chosen;
+}
+
+} // namespace
+
+ExitCode RunCommandLine(const QStringList& arguments)
+{
+    try {
+        Output output;
+        const ExitCode code = Parse(arguments)(output);
+        QString reason;
+        if (!output.Write(&reason))
+            throw Failure(ExitCode::FileFailure,
+                          Text::tr("The command is done, but its results cannot be written: %1.").arg(reason));
+        return code;
+    } catch (const Failure& failure) {
+        PrintError(failure.GetMessage());
+        return failure.GetCode();
+    } catch (const std::exception& exception) {
+        PrintError(Text::tr("This should not happen: %1").arg(QString::fromUtf8(exception.what())));
+        return ExitCode::InternalError;
+    }
+}
+
+} // namespace zaxmat

@@ -1,0 +1,42 @@
+#ifndef ZAXMAT_COMMANDOPTIONS_H
+#define ZAXMAT_COMMANDOPTIONS_H
+
+#include "Catalogue.h"
+#include "ExitCode.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <string>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace zaxmat {
+
+class Output;
+
+/// What is to be done: a command with its options. \throws Failure when it cannot be done.
+using Action = std::function<ExitCode(Output&)>;
+
+/// A text of the program as the command-line library takes it.
+std::string Utf8(const QString& text);
+
+/// Declares an option or, for a \a name without dashes, an argument of \a command that takes one text, which must not
+/// be empty. \a target, which must live until the command line is parsed, gets the text; without the option it is left
+/// alone. \a value names the text in the help.
+CLI::Option* AddText(CLI::App& command, const QString& name, const QString& value, const QString& description,
+                     QString& target);
+/// The same for one or more texts, given behind one another or with the option repeated.
+CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& value, const QString& description,
+                      QStringList& target);
+
+/// Declares how \a command is told which catalogue it works on.
+void AddCatalogueOptions(CLI::App& command, CatalogueOptions& target);
+
+} // namespace zaxmat
+
+#endif

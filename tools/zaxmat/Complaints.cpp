@@ -1,0 +1,40 @@
+#include "Complaints.h"
+
+#include "Failure.h"
+#include "Properties.h"
+#include "Text.h"
+
+#include "ZAXFeatObject.h"
+
+namespace zaxmat {
+
+void Complaints::Add(const ZAXFeatObject& feature, const QByteArray& property, const QString& text)
+{
+    m_lines.append(QLatin1String("  ") + Text::tr("%1: %2: %3")
+                                             .arg(Quoted(feature.GetLabel()),
+                                                  PropertyLabel(feature.metaObject(), property), Printable(text)));
+}
+
+void Complaints::AddInvalidValues(ZAXFeatObject& feature)
+{
+    if (!feature.UpdateResult()) {
+        const auto messages = feature.GetPropertyMessages();
+        for (const ZAXFeatObject::PropertyMessage& message : messages)
+            Add(feature, message.property, message.text);
+        if (messages.isEmpty())
+            m_lines.append(QLatin1String("  ") + Text::tr("%1 is invalid.").arg(Quoted(feature.GetLabel())));
+    }
+    const auto children = feature.GetChildren();
+    for (ZAXFeatObject* const child : children)
+        AddInvalidValues(*child);
+}
+
+void Complaints::Raise(const QString& path) const
+{
+    if (m_lines.isEmpty())
+        return;
+    throw Failure(ExitCode::InvalidValues, Text::tr("The document %1 is not saved. These values are invalid:\n%2")
+                                               .arg(QuotedPath(path), m_lines.join(u'\n')));
+}
+
+} // namespace zaxmat

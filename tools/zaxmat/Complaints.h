@@ -1,0 +1,31 @@
+#ifndef ZAXMAT_COMPLAINTS_H
+#define ZAXMAT_COMPLAINTS_H
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+class ZAXFeatObject;
+
+namespace zaxmat {
+
+/// What is wrong with the values of features, one line each.
+class Complaints
+{
+public:
+    /// The value of \a property of \a feature is wrong, as \a text says.
+    void Add(const ZAXFeatObject& feature, const QByteArray& property, const QString& text);
+
+    /// Has \a feature and all below it check their values, and adds what they find.
+    void AddInvalidValues(ZAXFeatObject& feature);
+
+    /// \throws Failure (InvalidValues) if there is a complaint. The document's file \a path was not written then.
+    void Raise(const QString& path) const;
+
+private:
+    QStringList m_lines;
+};
+
+} // namespace zaxmat
+
+#endif

@@ -1,0 +1,89 @@
+#include "DocumentFile.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include "ZAXFeatContainer.h"
+#include "ZAXFeatObject.h"
+#include "ZAXMatRoot.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace zaxmat {
+
+namespace {
+
+/// Throws what went wrong in the host, if anything did.
+void Require(const ZAXHostResult& result)
+{
+    if (!result)
+        throw Failure(ExitCode::FileFailure, result.GetMessage());
+}
+
+bool IsSame(const ZAXHostDocument& a, const ZAXHostDocument& b)
+{
+    return a.Encode() == b.Encode();
+}
+
+/// \throws Failure unless \a document comes back from its own bytes as it is.
+void RequireLoadable(const ZAXHostDocument& document, const QString& path)
+{
+    QByteArray bytes = document.Encode();
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    ZAXHostDocument copy;
+    Require(copy.Load(&buffer));
+    if (!IsSame(document, copy))
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The document %1 is not saved: it would not come back as it is.").arg(QuotedPath(path)));
+}
+
+} // namespace
+
+bool OpenDocument(ZAXHostDocument& document, const QString& path)
+{
+    const QFileInfo file(path);
+    if (!file.exists())
+        return false;
+    // A pipe or a device might never end.
+    if (!file.isFile())
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The document %1 cannot be opened: it is no file.").arg(QuotedPath(path)));
+    Require(document.Open(path));
+    return true;
+}
+
+ZAXMatRoot* MaterialsRootOf(ZAXHostDocument& document)
+{
+    const QList<ZAXFeatObject*> roots = document.GetContainer()->GetRoots();
+    const auto found = std::ranges::find_if(roots, [](ZAXFeatObject* root) { return qobject_cast<ZAXMatRoot*>(root); });
+    ZAXFeatObject* const root =
+        found != roots.end() ? *found : CreateFeature(document, ZAXMatRoot::staticMetaObject.className(), nullptr);
+    return qobject_cast<ZAXMatRoot*>(root);
+}
+
+ZAXFeatObject* CreateFeature(ZAXHostDocument& document, const char* className, ZAXFeatObject* parent)
+{
+    ZAXFeatObject* const feature = document.GetContainer()->CreateInstance(className, parent);
+    if (!feature)
+        throw Failure(ExitCode::InternalError,
+                      Text::tr("The document takes no object of class %1.").arg(QString::fromUtf8(className)));
+    return feature;
+}
+
+void SaveDocument(ZAXHostDocument& document, const QString& path, ZAXHostDocument& reopened)
+{
+    // First that what is to be written can be read, as long as the old file is untouched; then the file, which the
+    // host writes aside, puts in the place of the old one and reads back; last, that it opens as the same document.
+    RequireLoadable(document, path);
+    Require(document.SaveAs(path));
+    Require(reopened.Open(path));
+    if (!IsSame(document, reopened))
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The document %1 was written, but does not come back as it is.").arg(QuotedPath(path)));
+}
+
+} // namespace zaxmat
