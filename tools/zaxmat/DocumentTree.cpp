@@ -43,7 +43,7 @@ QString Line(const ZAXFeatObject& feature)
 void AddLines(const QList<ZAXFeatObject*>& features, int depth, QStringList& lines)
 {
     for (const ZAXFeatObject* const feature : features) {
-        lines.append(QString(2 * depth, u' ') + Printable(Line(*feature)));
+        lines.append(QString(qsizetype(2) * depth, u' ') + Printable(Line(*feature)));
         AddLines(feature->GetChildren(), depth + 1, lines);
     }
 }

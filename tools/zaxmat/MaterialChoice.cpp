@@ -23,11 +23,12 @@ std::optional<double> WantedThickness(const MaterialRequest& request)
     if (request.thickness.isEmpty())
         return std::nullopt;
     const auto thickness = ZAXSysValue::FromString(ZAXSysQuantity::Length, request.thickness);
-    if (!thickness)
+    if (!thickness) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("--thickness: %1 is no length. Give a number of millimetres, or a number with its "
                                "unit: 2, \"2 mm\", \"0.5 in\".")
                           .arg(Quoted(request.thickness)));
+    }
     return thickness;
 }
 
@@ -43,14 +44,16 @@ ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const MaterialRequest&
         const auto own = ThicknessOf(material);
         return !thickness || !own || IsSameThickness(*own, *thickness);
     });
-    if (fitting.isEmpty())
+    if (fitting.isEmpty()) {
         throw Failure(ExitCode::WrongUsage, Text::tr("There is no %1 with a thickness of %2, but:\n%3")
                                                 .arg(Quoted(request.material), ZAXSysLengthValue(*thickness).ToString(),
                                                      MaterialLines(candidates)));
-    if (fitting.size() > 1)
+    }
+    if (fitting.size() > 1) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("Several materials are called %1. Choose one with --thickness or by its key:\n%2")
                           .arg(Quoted(request.material), MaterialLines(fitting)));
+    }
     return fitting.constFirst();
 }
 
@@ -62,10 +65,11 @@ double ChooseThickness(const ZAXMatDefinition& material, std::optional<double> w
     if (!own && !IsMissing(value))
         throw Failure(ExitCode::InvalidValues, Text::tr("The catalogue's thickness of %1 is %2, which is no length.")
                                                    .arg(Quoted(material.GetName()), Quoted(value.toString())));
-    if (!own && !wanted)
+    if (!own && !wanted) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("The catalogue gives no thickness for %1. Say it with --thickness.")
                           .arg(Quoted(material.GetName())));
+    }
     return own ? *own : *wanted;
 }
 
@@ -77,14 +81,16 @@ ZAXMatDefinition ChooseStockForm(const QList<ZAXMatDefinition>& stockForms, cons
     if (found.isEmpty() && stockForms.isEmpty())
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 has no stock forms in the catalogue.").arg(Quoted(MaterialTitle(material))));
-    if (found.isEmpty())
+    if (found.isEmpty()) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 has no stock form %2, but:\n%3")
                           .arg(Quoted(MaterialTitle(material)), Quoted(name), StockFormLines(stockForms)));
-    if (found.size() > 1)
+    }
+    if (found.size() > 1) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("Several stock forms are called %1 in %2. Choose one by its key:\n%3")
                           .arg(Quoted(name), Quoted(MaterialTitle(material)), StockFormLines(found)));
+    }
     return found.constFirst();
 }
 
