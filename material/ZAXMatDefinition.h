@@ -81,8 +81,8 @@ public:
     void Commit();
     /// Brings the saved name and values back.
     void Revert();
-    /// Whether the name or a value differs from the saved one, or the saved table has other pairs. Key, material key
-    /// and type are not tracked.
+    /// Whether the name or a value differs from the saved one, or the saved table has other pairs. Values compare as
+    /// QVariants do, but a text equals nothing but a text ("90" is not 90). Key, material key and type are not tracked.
     bool IsChanged() const;
     /// Replaces name and values by those of \a other, pairs that \a other lacks included. Everything else stays, the
     /// saved name and values among it.
@@ -111,7 +111,7 @@ public:
     /// as an empty one.
     void FromJson(const QJsonValue& value);
 
-    /// Compares key, name, type and values. Material key and saved copies play no part.
+    /// Compares key, name, type and values, these as IsChanged() does. Material key and saved copies play no part.
     bool operator==(const ZAXMatDefinition& other) const;
     bool operator!=(const ZAXMatDefinition& other) const;
 

@@ -120,18 +120,42 @@ bool WriteAside(QSaveFile& file, const QByteArray& text)
     return isWritten && isReplaced;
 }
 
+/// Cuts the file to \a size. False, with the reason logged, when the system refuses.
+bool Resize(QFile& file, qint64 size)
+{
+    if (file.resize(size))
+        return true;
+    Warn("Cannot write", file.fileName(), file.errorString());
+    return false;
+}
+
 /// Overwrites the file, which must be unbuffered, by \a text. False, with the reason logged, when that fails; the file
-/// holds what it held before then, unless the system does not even take that back.
+/// is as it was before then, unless the system does not even take that back.
 bool WriteInPlace(QFile& file, const QByteArray& text)
 {
     const QByteArray before = file.readAll();
+    const QDateTime timeBefore = file.fileTime(QFileDevice::FileModificationTime);
     file.seek(0);
-    if (WriteAll(file, text) && file.resize(text.size()))
+    if (WriteAll(file, text) && Resize(file, text.size()))
         return true;
     file.seek(0);
     file.write(before);
     file.resize(before.size());
+    // With another time it would be read again, and the records that could not be written would be lost.
+    file.setFileTime(timeBefore, QFileDevice::FileModificationTime);
     return false;
+}
+
+/// Defines every pair that a provider supports, without a value.
+template <typename PropertiesOf>
+void DefineSchema(ZAXMatDefinition& record, QList<QByteArray> extensions, PropertiesOf propertiesOf)
+{
+    extensions.prepend(QByteArray());
+    for (const QByteArray& extension : std::as_const(extensions)) {
+        const QList<QByteArray> properties = propertiesOf(extension);
+        for (const QByteArray& property : properties)
+            record.SetValue(property, QVariant(), extension);
+    }
 }
 
 /// A record that no provider has yet.
@@ -257,18 +281,18 @@ ZAXMatJsonFileProviderPrivate::Records& ZAXMatJsonFileProviderPrivate::RecordsOf
 ZAXMatJsonFileProvider::ZAXMatJsonFileProvider() : ZAXMatJsonFileProvider(QLatin1String("C:/JSONDOC")) {}
 
 ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QString& directory)
-    : ZAXMatJsonFileProvider(QByteArray("ZAXMatJsonFileProvider"), std::nullopt, directory)
+    : ZAXMatJsonFileProvider(std::make_unique<ZAXMatJsonFileProviderPrivate>(QByteArray("ZAXMatJsonFileProvider"),
+                                                                             std::nullopt, directory))
 {
 }
 
 ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QByteArray& id, const QString& label, const QString& directory)
-    : ZAXMatJsonFileProvider(id, std::optional(label), directory)
+    : ZAXMatJsonFileProvider(std::make_unique<ZAXMatJsonFileProviderPrivate>(id, label, directory))
 {
 }
 
-ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(const QByteArray& id, const std::optional<QString>& label,
-                                               const QString& directory)
-    : ZAXMatProvider(id), d_ptr(std::make_unique<ZAXMatJsonFileProviderPrivate>(id, label, directory))
+ZAXMatJsonFileProvider::ZAXMatJsonFileProvider(std::unique_ptr<ZAXMatJsonFileProviderPrivate> data)
+    : ZAXMatProvider(data->id), d_ptr(std::move(data))
 {
     d_ptr->LoadIfChanged();
 }
@@ -334,13 +358,8 @@ ZAXMatDefinition ZAXMatJsonFileProvider::CreateMaterial(const QString& name)
     Q_D(ZAXMatJsonFileProvider);
     d->LoadIfChanged();
     ZAXMatDefinition material = NewRecord(ZAXMatDefinition::Material, name);
-    QList<QByteArray> extensions = GetSupportedMaterialExtensions();
-    extensions.prepend(QByteArray());
-    for (const QByteArray& extension : std::as_const(extensions)) {
-        const QList<QByteArray> properties = GetSupportedMaterialProperties(extension);
-        for (const QByteArray& property : properties)
-            material.SetValue(property, QVariant(), extension);
-    }
+    DefineSchema(material, GetSupportedMaterialExtensions(),
+                 [this](const QByteArray& extension) { return GetSupportedMaterialProperties(extension); });
     d->materials.insert(material.GetKey(), material);
     return material;
 }
@@ -372,13 +391,8 @@ ZAXMatDefinition ZAXMatJsonFileProvider::CreatePackaging(const QString& name, co
     d->LoadIfChanged();
     ZAXMatDefinition packaging = NewRecord(ZAXMatDefinition::Packaging, name);
     packaging.SetMaterialKey(materialKey);
-    QList<QByteArray> extensions = GetSupportedPackagingExtensions();
-    extensions.prepend(QByteArray());
-    for (const QByteArray& extension : std::as_const(extensions)) {
-        const QList<QByteArray> properties = GetSupportedPackagingProperties(extension);
-        for (const QByteArray& property : properties)
-            packaging.SetValue(property, QVariant(), extension);
-    }
+    DefineSchema(packaging, GetSupportedPackagingExtensions(),
+                 [this](const QByteArray& extension) { return GetSupportedPackagingProperties(extension); });
     d->AddPackaging(packaging);
     return packaging;
 }

@@ -3,8 +3,6 @@
 
 #include "ZAXMatProvider.h"
 
-#include <optional>
-
 class ZAXMatJsonFileProviderPrivate;
 
 /// The catalogue in a file "materials.json" of a directory: one JSON object with one member per record, materials and
@@ -78,12 +76,14 @@ public:
     /// The id given to the constructor, else "ZAXMatJsonFileProvider".
     QByteArray GetProviderId() const override;
     /// Writes all records to the file, whatever it holds, and has the next operation read it again. The file is
-    /// replaced as a whole and keeps its permissions; a symbolic link to it stays. Only in a directory that takes no
-    /// new file is it overwritten in place. If it cannot be written, it stays as it was.
+    /// replaced as a whole and keeps its permissions, though it then belongs to who wrote it; a symbolic link to it
+    /// stays. Only in a directory that takes no new file is it overwritten in place. If it cannot be written, it stays
+    /// as it was, and so do the records; what is overwritten in place is lost only if the system then refuses to take
+    /// the old bytes back.
     void Commit() override;
 
 private:
-    ZAXMatJsonFileProvider(const QByteArray& id, const std::optional<QString>& label, const QString& directory);
+    explicit ZAXMatJsonFileProvider(std::unique_ptr<ZAXMatJsonFileProviderPrivate> data);
 
     std::unique_ptr<ZAXMatJsonFileProviderPrivate> d_ptr;
 };

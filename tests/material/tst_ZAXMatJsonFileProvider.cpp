@@ -1293,6 +1293,7 @@ void tst_ZAXMatJsonFileProvider::onAFullDiskAFileWrittenInPlaceStays()
     }
     QCOMPARE(folder.Read(), before);
     QCOMPARE(CatalogueFolder::Inode(folder.FilePath()), inode);
+    QCOMPARE(provider.GetMaterialKeys().size(), newRecords + 1);
 }
 
 void tst_ZAXMatJsonFileProvider::aShorterCatalogueLeavesNothingOfALongerOneInPlace()

@@ -66,6 +66,7 @@ private slots:
     void aSecondManagerOfTheSameIdIsRefused();
     void idsAreComparedByteForByte();
     void theIdsThatManagersReportCount();
+    void aManagerThatTakesAnotherOnesPlaceLeavesNothingOfItBehind();
     void anIdIsFreeAgainOnceItsManagerIsGone();
     void aCopyOfTheRegistryIsUnaffectedByLaterChanges();
 };
@@ -132,6 +133,15 @@ void tst_ZAXMatMaterialProviderManager::theIdsThatManagersReportCount()
     const Pretender pretender("registered", "reported");
     QCOMPARE(MessageOfASecond("reported"), QLatin1String("A provider manager with the given ID already exists."));
     QCOMPARE(MessageOfASecond("registered"), QString());
+}
+
+void tst_ZAXMatMaterialProviderManager::aManagerThatTakesAnotherOnesPlaceLeavesNothingOfItBehind()
+{
+    auto pretender = std::make_unique<Pretender>("registered", "reported");
+    Manager heir("registered");
+    QCOMPARE(ZAXMatMaterialProviderManager::GetHash(), (Hash{{"registered", &heir}}));
+    pretender.reset();
+    QCOMPARE(ZAXMatMaterialProviderManager::GetHash(), (Hash{{"registered", &heir}}));
 }
 
 void tst_ZAXMatMaterialProviderManager::anIdIsFreeAgainOnceItsManagerIsGone()

@@ -106,6 +106,9 @@ ExitCode RunUse(const UseOptions& options, Output& output)
         SaveDocument(document, options.document, reopened);
 
     AddNotes(choice, placement, output);
+    const QList<ZAXHostProblem> problems = document.GetProblems();
+    for (const ZAXHostProblem& problem : problems)
+        output.AddNote(problem.message);
     const QString path = QuotedPath(options.document);
     output.Print(isOpened ? Text::tr("Document %1").arg(path) : Text::tr("Document %1, new").arg(path));
     PrintBlock(PlacementTable(placement), output);

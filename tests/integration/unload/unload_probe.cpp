@@ -125,7 +125,8 @@ void UseProperties(ZAXFeatObject* feature)
         const QVariant value = property.read(feature);
         Require(value.isValid(), property.name());
         Require(!property.isWritable() || property.write(feature, value), property.name());
-        if (value.canConvert<QSequentialIterable>() && value.metaType().id() > QMetaType::User) {
+        if (QByteArray(property.typeName()).startsWith("QList<")) {
+            Require(value.canConvert<QSequentialIterable>(), property.name());
             for (const QVariant& element : value.value<QSequentialIterable>())
                 Require(element.isValid(), property.name());
         }
