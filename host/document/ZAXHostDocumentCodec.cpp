@@ -179,7 +179,7 @@ private:
     {
         for (qsizetype i = 0; i < m_image.classes.size(); ++i) {
             const qint32 base = m_image.classes.at(i).base;
-            if (base < -1 || base >= i)
+            if (base < -1 || base >= i || m_image.classes.at(i).version < 0)
                 return false;
         }
         return true;
@@ -243,6 +243,7 @@ private:
         record.place = reader.Number<quint32>();
         const auto references = reader.Number<quint32>();
         const bool hasRoom = references <= static_cast<quint64>(reader.Left()) / sizeof(quint64);
+        record.references.reserve(hasRoom ? references : 0);
         for (quint32 i = 0; i < references && hasRoom; ++i)
             record.references.append(ZAXGeoGeometryRef::FromId(reader.Number<quint64>()));
         record.payload = reader.Sized();
@@ -268,12 +269,13 @@ private:
             return Tr("the object has an id that was never given");
         if (m_nesting.contains(record.id))
             return Tr("two objects have the id %1").arg(record.id);
-        if (m_children.contains(record.id))
-            return Tr("the parent of the object %1 does not precede it").arg(record.id);
-        const int nesting = m_nesting.value(record.parent) + 1;
+        if (record.parent == record.id || m_children.contains(record.id))
+            return Tr("the object %1 stands behind or below itself").arg(record.id);
+        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
+        // What has lost its parent will stand in a folder at the top.
+        const int nesting = hasParent ? m_nesting.value(record.parent) + 1 : 2;
         if (nesting > ZAXHostDocumentCodec::maximumNesting)
             return Tr("the objects are nested too deeply");
-        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
         quint32& next = m_children[record.parent];
         const bool isInOrder = record.place == next;
         next = record.place + 1;

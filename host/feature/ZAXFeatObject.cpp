@@ -16,6 +16,7 @@
 #include <QCoreApplication>
 #include <QMetaClassInfo>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -177,24 +178,28 @@ void ZAXFeatObject::Remove()
 {
     if (d_ptr->isAside || d_ptr->isBeingRemoved || !d_ptr->container)
         return;
-    d_ptr->isBeingRemoved = true;
     const ZAXFeatStep step(d_ptr->container);
-    d_ptr->ReleasePointers();
-    const auto subtree = d_ptr->Subtree();
-    for (ZAXFeatObject* feature : subtree)
-        feature->Cleanup();
+    {
+        d_ptr->isBeingRemoved = true;
+        const auto done = qScopeGuard([this] { d_ptr->isBeingRemoved = false; });
+        d_ptr->ReleasePointers();
+        const auto subtree = d_ptr->Subtree();
+        for (ZAXFeatObject* feature : subtree)
+            feature->Cleanup();
+    }
     const QPointer<ZAXFeatObject> parent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->SetAside();
-    d_ptr->isBeingRemoved = false;
-    auto* const observer = d_ptr->Observer();
+    // What was never announced is nothing that could come back.
+    auto* const observer = d_ptr->isAnnounced ? d_ptr->Observer() : nullptr;
     if (observer)
         observer->Placed(this, from, {});
-    const bool isKept = observer && observer->KeepsRemoved();
+    const auto discard = qScopeGuard([self = QPointer<ZAXFeatObject>(this), observer] {
+        if (self && self->d_ptr->isAside && !(observer && observer->KeepsRemoved()))
+            self->d_ptr->Discard();
+    });
     if (d_ptr->isAnnounced)
         d_ptr->RaiseRemoved(parent);
-    if (!isKept)
-        d_ptr->Discard();
 }
 
 void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
@@ -258,17 +263,21 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
         d_ptr->Subtree().contains(parent) || !d_ptr->IsAllowedUnder(parent))
         return false;
     const ZAXFeatStep step(d_ptr->container);
+    const QPointer<ZAXFeatObject> self = this;
     const QPointer<ZAXFeatObject> oldParent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->AttachTo(parent, index);
     const ZAXFeatPlace to = d_ptr->Place();
-    if (auto* const observer = d_ptr->Observer(); observer && from != to)
+    if (auto* const observer = d_ptr->Observer(); observer && d_ptr->isAnnounced && from != to)
         observer->Placed(this, from, to);
     if (oldParent != parent) {
         d_ptr->RaiseRemoved(oldParent);
-        d_ptr->RaiseAdded(parent);
+        // A slot may have done away with the feature, or taken it elsewhere.
+        if (self && GetParent() == parent)
+            d_ptr->RaiseAdded(parent);
     }
-    PostMove(oldParent, static_cast<int>(from.index));
+    if (self)
+        PostMove(oldParent, static_cast<int>(from.index));
     return true;
 }
 
