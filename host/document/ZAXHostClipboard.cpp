@@ -98,9 +98,8 @@ private:
     void Load(ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
     {
         const auto chain = m_image.GetChain(record.classIndex);
-        if (std::ranges::any_of(record.references, [this](const auto& to) {
-                return to.IsValid() && !m_references.contains(to);
-            }))
+        if (std::ranges::any_of(record.references,
+                                [this](const auto& to) { return to.IsValid() && !m_references.contains(to); }))
             problems.append({ZAXHostProblem::Unresolved, feature->GetId(), chain.constFirst().name,
                              Tr("An object of class %1 referred to something that was not copied.")
                                  .arg(QString::fromUtf8(chain.constFirst().name))});

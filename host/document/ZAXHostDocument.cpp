@@ -96,8 +96,7 @@ ZAXHostResult ZAXHostDocumentPrivate::EncodeChecked(const ZAXHostDocumentImage& 
     return ZAXHostResult::Done();
 }
 
-ZAXHostResult ZAXHostDocumentPrivate::Claim(const QString& newPath,
-                                            std::unique_ptr<ZAXHostDocumentLock>& newLock) const
+ZAXHostResult ZAXHostDocumentPrivate::Claim(const QString& newPath, std::unique_ptr<ZAXHostDocumentLock>& newLock) const
 {
     if (HasLocked(newPath))
         return ZAXHostResult::Done();
@@ -229,8 +228,8 @@ ZAXHostResult ZAXHostDocument::Open(const QString& path, Damage damage)
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
-    const auto result = file.error() == QFileDevice::NoError ? Load(&buffer, damage)
-                                                             : ZAXHostResult::Failed(file.errorString());
+    const auto result =
+        file.error() == QFileDevice::NoError ? Load(&buffer, damage) : ZAXHostResult::Failed(file.errorString());
     if (!result) {
         if (isOwn)
             d_ptr->lock = std::move(lock);
@@ -322,9 +321,8 @@ ZAXHostResult ZAXHostDocument::ConvertToPlaceholders(const QList<const QMetaObje
     ZAXGeoContainerPrivate::Get(*replacement).lastId = ZAXGeoContainerPrivate::Get(*d_ptr->container).lastId;
     auto problems = ZAXHostDocumentImager::Populate(*replacement, image, retired);
     features.isRestoring = false;
-    std::ranges::copy_if(d_ptr->problems, std::back_inserter(problems), [](const ZAXHostProblem& problem) {
-        return problem.kind == ZAXHostProblem::Damaged;
-    });
+    std::ranges::copy_if(d_ptr->problems, std::back_inserter(problems),
+                         [](const ZAXHostProblem& problem) { return problem.kind == ZAXHostProblem::Damaged; });
     d_ptr->problems = problems;
     d_ptr->Replace(image, std::move(replacement));
     d_ptr->highestSavedId = highestSavedId;
