@@ -16,6 +16,18 @@
 
 #include <algorithm>
 
+namespace {
+
+/// The nearest feature from \a feature upwards that is no plain folder; null for the top.
+const ZAXFeatObject* LookThroughFolders(const ZAXFeatObject* feature)
+{
+    while (feature && ZAXFeatObjectPrivate::IsPlainFolder(feature->metaObject()))
+        feature = feature->GetParent();
+    return feature;
+}
+
+} // namespace
+
 bool ZAXFeatObjectPrivate::IsPlainFolder(const QMetaObject* type)
 {
     return type->inherits(&ZAXFeatFolder::staticMetaObject) && !type->inherits(&ZAXFeatRoot::staticMetaObject);
@@ -65,14 +77,12 @@ bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
 {
     if (!isPlaceholder)
         return newParent->IsChildAllowed(q->metaObject());
-    if (IsPlainFolder(newParent->metaObject()))
+    const ZAXFeatObject* const present = LookThroughFolders(parent);
+    const ZAXFeatObject* const target = LookThroughFolders(newParent);
+    if (present == target)
         return true;
-    const ZAXFeatObject* present = parent;
-    while (present && IsPlainFolder(present->metaObject()))
-        present = present->GetParent();
     // One placeholder does not tell what another one would allow.
-    return present && (newParent == present ||
-                       (!Get(*newParent).isPlaceholder && newParent->metaObject() == present->metaObject()));
+    return present && target && !Get(*target).isPlaceholder && present->metaObject() == target->metaObject();
 }
 
 ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
