@@ -12,6 +12,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -58,8 +59,7 @@ public:
         m_loader.EndLoad();
         for (auto& top : m_tops)
             pasted.append(top.release());
-        for (ZAXFeatObject* feature : std::as_const(m_features))
-            ZAXFeatObjectPrivate::Get(*feature).Announce();
+        ZAXFeatObjectPrivate::Announce(m_features);
     }
 
     QList<ZAXFeatObject*> pasted;
@@ -98,7 +98,8 @@ private:
     void Load(ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
     {
         const auto chain = m_image.GetChain(record.classIndex);
-        if (std::ranges::any_of(record.references, [this](const auto& to) { return !m_references.contains(to); }))
+        if (std::ranges::any_of(record.references,
+                                [this](const auto& to) { return to.IsValid() && !m_references.contains(to); }))
             problems.append({ZAXHostProblem::Unresolved, feature->GetId(), chain.constFirst().name,
                              Tr("An object of class %1 referred to something that was not copied.")
                                  .arg(QString::fromUtf8(chain.constFirst().name))});
@@ -128,7 +129,9 @@ private:
 QByteArray ZAXHostClipboard::Copy(const QList<ZAXFeatObject*>& features)
 {
     ZAXHostDocumentImage image;
-    QList<ZAXFeatObject*> tops = features;
+    QList<ZAXFeatObject*> tops;
+    std::ranges::copy_if(features, std::back_inserter(tops),
+                         [&](ZAXFeatObject* feature) { return !tops.contains(feature); });
     tops.removeIf([&](const ZAXFeatObject* feature) { return IsBelowAnyOf(feature, features); });
     ZAXHostDocumentImager::Add(tops, true, image);
     image.lastId = ZAXHostDocumentImager::HighestId(image, 0);
@@ -147,8 +150,8 @@ ZAXHostResult ZAXHostClipboard::Paste(const QByteArray& bytes, ZAXFeatObject* pa
     try {
         const ZAXFeatStep step(ZAXFeatObjectPrivate::Get(*parent).container);
         paster.Run();
-    } catch (const ZAXSysException& exception) {
-        return ZAXHostResult::Failed(exception.GetMessage());
+    } catch (const std::exception& exception) {
+        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
     }
     pasted = paster.pasted;
     problems = paster.problems;

@@ -1,6 +1,7 @@
 #include "ZAXHostDocument.h"
 
 #include "ZAXFeatContainer.h"
+#include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObject.h"
 #include "ZAXGeoContainerPrivate.h"
 #include "ZAXHostDocumentImager.h"
@@ -9,6 +10,7 @@
 #include "ZAXHostUndo.h"
 #include "ZAXSysException.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -16,6 +18,7 @@
 #include <QUndoStack>
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -26,7 +29,7 @@ QString Tr(const char* text)
 
 bool IsSameFile(const QString& a, const QString& b)
 {
-    return !a.isEmpty() && (a == b || QFileInfo(a) == QFileInfo(b));
+    return !a.isEmpty() && ZAXHostFileSaver::TargetOf(a) == ZAXHostFileSaver::TargetOf(b);
 }
 
 } // namespace
@@ -35,12 +38,15 @@ class ZAXHostDocumentPrivate
 {
 public:
     ZAXHostDocumentImage MakeImage() const;
-    /// Puts the objects of \a image in the place of the document's.
-    void Replace(const ZAXHostDocumentImage& image, const QSet<QByteArray>& retired);
+    /// Puts \a replacement with the objects of \a image in the place of the document's features.
+    void Replace(const ZAXHostDocumentImage& image, std::unique_ptr<ZAXFeatContainer> replacement);
     /// The bytes of \a image, once they are known to give the same image back.
     ZAXHostResult EncodeChecked(const ZAXHostDocumentImage& image, QByteArray& bytes) const;
-    /// Makes sure that the file \a path may be written by this document.
-    ZAXHostResult Claim(const QString& path);
+    bool HasLocked(const QString& file) const { return lock && lock->IsLocked() && IsSameFile(path, file); }
+    /// Makes sure that nobody else writes the file \a path, by \a newLock if this document's lock does not say so.
+    ZAXHostResult Claim(const QString& path, std::unique_ptr<ZAXHostDocumentLock>& newLock) const;
+    /// Why the document must not be written to the file \a path; empty if it may.
+    QString WhyProtected(const QString& path) const;
 
     std::unique_ptr<ZAXFeatContainer> container = std::make_unique<ZAXFeatContainer>();
     ZAXHostUndo undo{container.get()};
@@ -53,6 +59,8 @@ public:
     QString path;
     QString readOnlyReason;
     QList<ZAXHostProblem> problems;
+    /// The file that was damaged when it was opened; empty for none, and when that is accepted.
+    QString damagedPath;
     bool isDamageAccepted = false;
     std::unique_ptr<ZAXHostDocumentLock> lock;
 };
@@ -66,16 +74,13 @@ ZAXHostDocumentImage ZAXHostDocumentPrivate::MakeImage() const
     return image;
 }
 
-void ZAXHostDocumentPrivate::Replace(const ZAXHostDocumentImage& image, const QSet<QByteArray>& retired)
+void ZAXHostDocumentPrivate::Replace(const ZAXHostDocumentImage& image, std::unique_ptr<ZAXFeatContainer> replacement)
 {
-    auto replacement = std::make_unique<ZAXFeatContainer>();
-    problems = ZAXHostDocumentImager::Populate(*replacement, image, retired);
     undo.SetContainer(replacement.get());
     container = std::move(replacement);
     documentId = image.documentId;
     highestSavedId = image.lastId;
     isTouched = false;
-    isDamageAccepted = false;
 }
 
 ZAXHostResult ZAXHostDocumentPrivate::EncodeChecked(const ZAXHostDocumentImage& image, QByteArray& bytes) const
@@ -91,15 +96,25 @@ ZAXHostResult ZAXHostDocumentPrivate::EncodeChecked(const ZAXHostDocumentImage& 
     return ZAXHostResult::Done();
 }
 
-ZAXHostResult ZAXHostDocumentPrivate::Claim(const QString& newPath)
+ZAXHostResult ZAXHostDocumentPrivate::Claim(const QString& newPath, std::unique_ptr<ZAXHostDocumentLock>& newLock) const
 {
-    if (lock && lock->IsLocked() && IsSameFile(path, newPath))
+    if (HasLocked(newPath))
         return ZAXHostResult::Done();
-    auto newLock = std::make_unique<ZAXHostDocumentLock>();
-    const auto result = newLock->Lock(newPath);
-    if (result)
-        lock = std::move(newLock);
-    return result;
+    newLock = std::make_unique<ZAXHostDocumentLock>();
+    return newLock->Lock(newPath);
+}
+
+QString ZAXHostDocumentPrivate::WhyProtected(const QString& newPath) const
+{
+    if (undo.IsBusy())
+        return Tr("a change of it is still under way.");
+    // Whoever had it open may have saved it meanwhile.
+    if (!readOnlyReason.isEmpty() && IsSameFile(path, newPath))
+        return readOnlyReason;
+    if (IsSameFile(damagedPath, newPath))
+        return Tr("part of it was lost, and saving it would make the loss final; accept that first, or save it under "
+                  "another name.");
+    return {};
 }
 
 ZAXHostDocument::ZAXHostDocument() : d_ptr(std::make_unique<ZAXHostDocumentPrivate>()) {}
@@ -151,6 +166,7 @@ bool ZAXHostDocument::IsDamaged() const
 void ZAXHostDocument::AcceptDamage()
 {
     d_ptr->isDamageAccepted = true;
+    d_ptr->damagedPath.clear();
 }
 
 QByteArray ZAXHostDocument::Encode() const
@@ -167,7 +183,11 @@ ZAXHostResult ZAXHostDocument::Load(QIODevice* device, Damage damage)
         return ZAXHostResult::Failed(image.damages.constFirst().message);
     if (d_ptr->undo.IsBusy())
         return ZAXHostResult::Failed(Tr("A change of the document is still under way."));
-    d_ptr->Replace(image, {});
+    auto replacement = std::make_unique<ZAXFeatContainer>();
+    d_ptr->problems = ZAXHostDocumentImager::Populate(*replacement, image, {});
+    d_ptr->isDamageAccepted = false;
+    d_ptr->damagedPath.clear();
+    d_ptr->Replace(image, std::move(replacement));
     d_ptr->path.clear();
     d_ptr->readOnlyReason.clear();
     d_ptr->lock.reset();
@@ -184,8 +204,8 @@ ZAXHostResult ZAXHostDocument::Save(QIODevice* device)
         d_ptr->highestSavedId = image.lastId;
         if (device->write(bytes) != bytes.size())
             return ZAXHostResult::Failed(device->errorString());
-    } catch (const ZAXSysException& exception) {
-        return ZAXHostResult::Failed(exception.GetMessage());
+    } catch (const std::exception& exception) {
+        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
     }
     return ZAXHostResult::Done();
 }
@@ -200,17 +220,23 @@ ZAXHostResult ZAXHostDocument::Open(const QString& path, Damage damage)
         return failed(QT_TRANSLATE_NOOP("ZAXHostDocument", "The document %1 cannot be opened: %2"), file.errorString());
     // Locked before it is read: nobody must write in between. A file that does not load keeps the lock held now.
     auto lock = std::make_unique<ZAXHostDocumentLock>();
-    const bool isOwn = d_ptr->lock && IsSameFile(d_ptr->path, path);
+    const bool isOwn = d_ptr->HasLocked(path);
     const auto locked = isOwn ? ZAXHostResult::Done() : lock->Lock(path);
     if (isOwn)
         lock = std::move(d_ptr->lock);
-    const auto result = Load(&file, damage);
+    const QByteArray bytes = file.readAll();
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const auto result =
+        file.error() == QFileDevice::NoError ? Load(&buffer, damage) : ZAXHostResult::Failed(file.errorString());
     if (!result) {
         if (isOwn)
             d_ptr->lock = std::move(lock);
         return failed(QT_TRANSLATE_NOOP("ZAXHostDocument", "The document %1 cannot be read: %2"), result.GetMessage());
     }
     d_ptr->path = path;
+    d_ptr->damagedPath = IsDamaged() ? path : QString();
     d_ptr->lock = std::move(lock);
     d_ptr->readOnlyReason = locked.GetMessage();
     return result;
@@ -228,24 +254,26 @@ ZAXHostResult ZAXHostDocument::SaveAs(const QString& path, ZAXHostFileSystem& sy
         return ZAXHostResult::Failed(
             Tr("The document %1 cannot be saved: %2").arg(QDir::toNativeSeparators(path), why));
     };
-    if (IsDamaged() && IsSameFile(d_ptr->path, path))
-        return failed(Tr("part of it was lost, and saving it would make the loss final; accept that first, or save "
-                         "it under another name."));
+    if (const QString why = d_ptr->WhyProtected(path); !why.isEmpty())
+        return failed(why);
     ZAXHostDocumentImage image;
     QByteArray bytes;
     try {
         image = d_ptr->MakeImage();
-    } catch (const ZAXSysException& exception) {
-        return failed(exception.GetMessage());
+    } catch (const std::exception& exception) {
+        return failed(QString::fromUtf8(exception.what()));
     }
     if (const auto result = d_ptr->EncodeChecked(image, bytes); !result)
         return failed(result.GetMessage());
-    if (const auto result = d_ptr->Claim(path); !result)
+    std::unique_ptr<ZAXHostDocumentLock> lock;
+    if (const auto result = d_ptr->Claim(path, lock); !result)
         return failed(result.GetMessage());
     // From here on a file may hold these ids, whatever comes back.
     d_ptr->highestSavedId = image.lastId;
     if (const auto result = ZAXHostFileSaver::Save(path, bytes, system); !result)
         return failed(result.GetMessage());
+    if (lock)
+        d_ptr->lock = std::move(lock);
     d_ptr->path = path;
     d_ptr->readOnlyReason.clear();
     d_ptr->problems.removeIf([](const ZAXHostProblem& problem) { return problem.kind == ZAXHostProblem::Damaged; });
@@ -260,8 +288,9 @@ QList<ZAXFeatObject*> ZAXHostDocument::GetInstances(const QMetaObject* type) con
     QList<ZAXFeatObject*> instances;
     const auto geometries = index.geometries.values() + index.aside.values();
     for (ZAXGeoGeometry* geometry : geometries) {
-        if (geometry->metaObject()->inherits(type))
-            instances.append(static_cast<ZAXFeatObject*>(geometry));
+        auto* const feature = qobject_cast<ZAXFeatObject*>(geometry);
+        if (feature && feature->metaObject()->inherits(type))
+            instances.append(feature);
     }
     std::ranges::sort(instances, {}, &ZAXFeatObject::GetId);
     return instances;
@@ -269,8 +298,8 @@ QList<ZAXFeatObject*> ZAXHostDocument::GetInstances(const QMetaObject* type) con
 
 ZAXHostResult ZAXHostDocument::ConvertToPlaceholders(const QList<const QMetaObject*>& types)
 {
-    if (const auto result = d_ptr->undo.Clear(); !result)
-        return result;
+    if (d_ptr->undo.IsBusy())
+        return ZAXHostResult::Failed(Tr("A change of the document is still under way."));
     QSet<QByteArray> retired;
     for (const QMetaObject* type : types) {
         const auto instances = GetInstances(type);
@@ -278,18 +307,25 @@ ZAXHostResult ZAXHostDocument::ConvertToPlaceholders(const QList<const QMetaObje
             retired.insert(instance->metaObject()->className());
     }
     const bool wasModified = IsModified();
-    const auto damages = d_ptr->problems;
-    const bool wasDamageAccepted = d_ptr->isDamageAccepted;
+    ZAXHostDocumentImage image;
     try {
-        d_ptr->Replace(d_ptr->MakeImage(), retired);
-    } catch (const ZAXSysException& exception) {
-        return ZAXHostResult::Failed(exception.GetMessage());
+        image = d_ptr->MakeImage();
+    } catch (const std::exception& exception) {
+        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
     }
-    for (const ZAXHostProblem& problem : damages) {
-        if (problem.kind == ZAXHostProblem::Damaged)
-            d_ptr->problems.append(problem);
-    }
-    d_ptr->isDamageAccepted = wasDamageAccepted;
+    const quint64 highestSavedId = d_ptr->highestSavedId;
+    auto replacement = std::make_unique<ZAXFeatContainer>();
+    // The other features are as they were; nobody chooses their values anew. Nor are ids given again.
+    auto& features = ZAXFeatContainerPrivate::Get(*replacement);
+    features.isRestoring = true;
+    ZAXGeoContainerPrivate::Get(*replacement).lastId = ZAXGeoContainerPrivate::Get(*d_ptr->container).lastId;
+    auto problems = ZAXHostDocumentImager::Populate(*replacement, image, retired);
+    features.isRestoring = false;
+    std::ranges::copy_if(d_ptr->problems, std::back_inserter(problems),
+                         [](const ZAXHostProblem& problem) { return problem.kind == ZAXHostProblem::Damaged; });
+    d_ptr->problems = problems;
+    d_ptr->Replace(image, std::move(replacement));
+    d_ptr->highestSavedId = highestSavedId;
     d_ptr->isTouched = wasModified;
     return ZAXHostResult::Done();
 }

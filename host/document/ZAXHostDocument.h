@@ -51,7 +51,7 @@ public:
     QString GetReadOnlyReason() const;
     /// What could not be brought back as it was saved.
     QList<ZAXHostProblem> GetProblems() const;
-    /// True when part of the file was lost: saving to GetPath() is refused until AcceptDamage(), as it would make the
+    /// True when part of the file was lost: saving to that file is refused until AcceptDamage(), as it would make the
     /// loss final.
     bool IsDamaged() const;
     void AcceptDamage();
@@ -69,7 +69,8 @@ public:
     ZAXHostResult Open(const QString& path, Damage damage = RefuseDamage);
     /// Writes the document to the file \a path, which becomes its file: aside first, then in the place of the old
     /// file, and reads it back. Whatever fails, the file is the old one or the new one, and the document counts as
-    /// changed until it is done. Refused for a file that somebody else has open, and for the damaged file.
+    /// changed until it is done. Refused for a file that somebody else has open or had when it was opened here, for
+    /// the damaged file, and while the document's undo is busy.
     ZAXHostResult SaveAs(const QString& path);
     /// SaveAs() through \a system.
     ZAXHostResult SaveAs(const QString& path, ZAXHostFileSystem& system);

@@ -132,14 +132,19 @@ public:
     }
 
 private:
-    ZAXHostDocumentDamage& NoteDamage(qsizetype position, qsizetype size, const QString& what)
+    /// Notes a damage, of an object if that is known. What follows on a damage and tells no more is part of that one.
+    void NoteDamage(qsizetype position, qsizetype size, const QString& what, quint64 id = 0,
+                    const QByteArray& className = {})
     {
-        m_image.damages.append({position,
-                                size,
-                                0,
-                                {},
+        if (id == 0 && !m_image.damages.isEmpty()) {
+            auto& last = m_image.damages.last();
+            if (last.id == 0 && last.position + last.size == position) {
+                last.size += size;
+                return;
+            }
+        }
+        m_image.damages.append({position, size, id, className,
                                 Tr("The document is damaged at byte %1: %2.").arg(QString::number(position), what)});
-        return m_image.damages.last();
     }
 
     ZAXHostResult ReadHeader()
@@ -179,7 +184,7 @@ private:
     {
         for (qsizetype i = 0; i < m_image.classes.size(); ++i) {
             const qint32 base = m_image.classes.at(i).base;
-            if (base < -1 || base >= i)
+            if (base < -1 || base >= i || m_image.classes.at(i).version < 0)
                 return false;
         }
         return true;
@@ -197,7 +202,8 @@ private:
             ReadObject(start, next);
             return next;
         }
-        const qsizetype found = FindFrame(start + 1);
+        const qsizetype behind = BehindFrame(start);
+        const qsizetype found = behind >= 0 ? behind : FindFrame(start + 1);
         NoteDamage(start, found - start, Tr("the object is not what was written"));
         return found;
     }
@@ -219,18 +225,57 @@ private:
         return reader.IsGood() && sum == Checksum(m_bytes.data() + start, end - start) ? reader.Position() : -1;
     }
 
-    /// Where the next whole object, or what looks like the end of the file, starts from \a position on.
+    /// Where the frame behind the damaged one at \a start begins, if the length of that one still tells; -1 if not.
+    /// What its data hold must not be taken for objects.
+    qsizetype BehindFrame(qsizetype start)
+    {
+        Reader reader(m_bytes, start + tagSize);
+        const auto size = reader.Number<quint32>();
+        if (!reader.IsGood() || size + quint64(checksumSize) > static_cast<quint64>(reader.Left()))
+            return -1;
+        const qsizetype behind = reader.Position() + size + checksumSize;
+        return IsFrame(behind) ? behind : -1;
+    }
+
+    /// Where the next frame starts from \a position on: one that others follow up to the end, as data may look like
+    /// a frame too, or else the first one.
     qsizetype FindFrame(qsizetype position)
     {
-        for (; position < m_bytes.size(); ++position) {
+        if (m_isEndInReach) {
+            qsizetype found = position;
+            while (found < m_bytes.size() && !(RunsToEnd(found) && IsFrame(found)))
+                ++found;
+            m_isEndInReach = found < m_bytes.size();
+            if (m_isEndInReach)
+                return found;
+        }
+        while (position < m_bytes.size() && !IsFrame(position))
+            ++position;
+        return position;
+    }
+
+    /// Whether frames, as far as their lengths tell, follow each other from \a position up to the end.
+    bool RunsToEnd(qsizetype position)
+    {
+        for (; m_steps < m_bytes.size(); ++m_steps) {
             Reader reader(m_bytes, position);
             const auto tag = reader.Number<quint32>();
-            if (tag == endTag && m_bytes.size() - position == endSize)
-                break;
-            if (tag == objectTag && EndOfObject(position) >= 0)
-                break;
+            if (tag != objectTag)
+                return tag == endTag && m_bytes.size() - position == endSize;
+            reader.Take(reader.Number<quint32>());
+            reader.Take(checksumSize);
+            if (!reader.IsGood())
+                return false;
+            position = reader.Position();
         }
-        return position;
+        return false;
+    }
+
+    /// Whether a whole object, or what looks like the end of the file, is at \a position.
+    bool IsFrame(qsizetype position)
+    {
+        const auto tag = Reader(m_bytes, position).Number<quint32>();
+        return tag == endTag ? m_bytes.size() - position == endSize : tag == objectTag && EndOfObject(position) >= 0;
     }
 
     void ReadObject(qsizetype start, qsizetype next)
@@ -243,6 +288,7 @@ private:
         record.place = reader.Number<quint32>();
         const auto references = reader.Number<quint32>();
         const bool hasRoom = references <= static_cast<quint64>(reader.Left()) / sizeof(quint64);
+        record.references.reserve(hasRoom ? references : 0);
         for (quint32 i = 0; i < references && hasRoom; ++i)
             record.references.append(ZAXGeoGeometryRef::FromId(reader.Number<quint64>()));
         record.payload = reader.Sized();
@@ -253,11 +299,8 @@ private:
             why = Tr("the object cannot be read");
         else
             why = Place(record);
-        if (!why.isEmpty()) {
-            auto& damage = NoteDamage(start, next - start, why);
-            damage.id = record.id;
-            damage.className = m_image.classes.value(record.classIndex).name;
-        }
+        if (!why.isEmpty())
+            NoteDamage(start, next - start, why, record.id, m_image.classes.value(record.classIndex).name);
     }
 
     /// Adds \a record where it says it belongs: under an object read before it, behind its siblings read so far.
@@ -268,12 +311,13 @@ private:
             return Tr("the object has an id that was never given");
         if (m_nesting.contains(record.id))
             return Tr("two objects have the id %1").arg(record.id);
-        if (m_children.contains(record.id))
-            return Tr("the parent of the object %1 does not precede it").arg(record.id);
-        const int nesting = m_nesting.value(record.parent) + 1;
+        if (record.parent == record.id || m_children.contains(record.id))
+            return Tr("the object %1 stands behind or below itself").arg(record.id);
+        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
+        // What has lost its parent will stand in a folder at the top.
+        const int nesting = hasParent ? m_nesting.value(record.parent) + 1 : 2;
         if (nesting > ZAXHostDocumentCodec::maximumNesting)
             return Tr("the objects are nested too deeply");
-        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
         quint32& next = m_children[record.parent];
         const bool isInOrder = record.place == next;
         next = record.place + 1;
@@ -313,6 +357,9 @@ private:
     /// By the id of the parent, the place of its next child.
     QHash<quint64, quint32> m_children;
     qsizetype m_checked = 0;
+    /// How many frames were followed to see whether they lead to the end; this must not take for ever either.
+    qsizetype m_steps = 0;
+    bool m_isEndInReach = true;
     bool m_isEnded = false;
 };
 

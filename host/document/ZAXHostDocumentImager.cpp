@@ -105,7 +105,11 @@ private:
         m_problems.clear();
         m_live.clear();
         m_features.clear();
+        m_folders.clear();
         m_isGood = true;
+        // No new object gets the id of one that is lost.
+        auto& index = ZAXGeoContainerPrivate::Get(m_container);
+        index.lastId = std::max(index.lastId, ZAXHostDocumentImager::HighestId(m_image, m_image.lastId));
         ZAXHostStateLoader loader(&m_container);
         loader.SetUnavailable([this](const ZAXGeoGeometryRef& reference) { return !m_live.contains(reference); });
         for (const ZAXHostDocumentRecord& record : m_image.records)
@@ -131,8 +135,8 @@ private:
             try {
                 feature = loader.Make(ZAXGeoContainer::FindType(chain.constFirst().name), reference).release();
                 m_live.insert(reference);
-            } catch (const ZAXSysException& exception) {
-                Refuse(record.id, exception.GetMessage());
+            } catch (const std::exception& exception) {
+                Refuse(record.id, QString::fromUtf8(exception.what()));
                 feature = new ZAXHostPlaceholder(&m_container, reference);
             }
         } else {
@@ -153,15 +157,21 @@ private:
         d.isAnnounced = true;
         if (record.parent == 0)
             return;
-        const auto reference = ZAXGeoGeometryRef::FromId(record.parent);
-        ZAXGeoGeometry* parent = m_container.GetGeometryByRef(reference);
-        if (!parent) {
-            auto* const folder = new ZAXFeatFolder(&m_container, reference);
+        ZAXGeoGeometry* const parent = m_container.GetGeometryByRef(ZAXGeoGeometryRef::FromId(record.parent));
+        d.AttachTo(parent ? static_cast<ZAXFeatObject*>(parent) : FolderInPlaceOf(record.parent), -1);
+    }
+
+    /// The folder for the children of an object that is lost. It has an id of its own: what refers to the lost object
+    /// must not find a folder.
+    ZAXFeatFolder* FolderInPlaceOf(quint64 lost)
+    {
+        ZAXFeatFolder*& folder = m_folders[lost];
+        if (!folder) {
+            folder = new ZAXFeatFolder(&m_container, ZAXGeoGeometryRef());
             folder->SetLabel(Tr("Recovered objects"));
             ZAXFeatObjectPrivate::Get(*folder).isAnnounced = true;
-            parent = folder;
         }
-        d.AttachTo(static_cast<ZAXFeatObject*>(parent), -1);
+        return folder;
     }
 
     void Load(ZAXHostStateLoader& loader, ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
@@ -175,7 +185,7 @@ private:
             Refuse(record.id, QString::fromUtf8(exception.what()));
         }
         for (const ZAXGeoGeometryRef& reference : record.references) {
-            if (!m_container.GetGeometryByRef(reference))
+            if (reference.IsValid() && !m_container.GetGeometryByRef(reference))
                 m_problems.append({ZAXHostProblem::Unresolved, record.id, feature->metaObject()->className(),
                                    Tr("The object %1 refers to the object %2, which does not exist.")
                                        .arg(QString::number(record.id), QString::number(reference.GetId()))});
@@ -199,6 +209,7 @@ private:
     QList<ZAXHostProblem> m_problems;
     QSet<ZAXGeoGeometryRef> m_live;
     QList<ZAXFeatObject*> m_features;
+    QHash<quint64, ZAXFeatFolder*> m_folders;
     QHash<quint64, QString> m_refused;
     bool m_isGood = true;
 };
@@ -243,7 +254,5 @@ QList<ZAXHostProblem> ZAXHostDocumentImager::Populate(ZAXFeatContainer& containe
     QList<ZAXHostProblem> problems = Populator(container, image, retired).Run();
     for (const ZAXHostDocumentDamage& damage : image.damages)
         problems.append({ZAXHostProblem::Damaged, damage.id, damage.className, damage.message});
-    auto& index = ZAXGeoContainerPrivate::Get(container);
-    index.lastId = HighestId(image, image.lastId);
     return problems;
 }

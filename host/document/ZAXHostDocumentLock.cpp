@@ -1,6 +1,9 @@
 #include "ZAXHostDocumentLock.h"
 
+#include "ZAXHostFileSaver.h"
+
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
@@ -12,6 +15,17 @@ QString Tr(const char* text)
     return QCoreApplication::translate("ZAXHostDocumentLock", text);
 }
 
+/// Whether a process died when it had made the lock, but not yet written who it is.
+bool IsAbandoned(const QLockFile& file, const QString& lockPath)
+{
+    constexpr int writingTakes = 10;
+    qint64 process = 0;
+    QString host;
+    QString application;
+    return file.error() == QLockFile::LockFailedError && !file.getLockInfo(&process, &host, &application) &&
+           QFileInfo(lockPath).lastModified().secsTo(QDateTime::currentDateTime()) > writingTakes;
+}
+
 } // namespace
 
 ZAXHostDocumentLock::ZAXHostDocumentLock() = default;
@@ -21,14 +35,11 @@ ZAXHostDocumentLock::~ZAXHostDocumentLock() = default;
 ZAXHostResult ZAXHostDocumentLock::Lock(const QString& path)
 {
     Unlock();
-    const QFileInfo document(path);
-    const QString target =
-        document.canonicalFilePath().isEmpty() ? document.absoluteFilePath() : document.canonicalFilePath();
-    const QString lockPath = target + QLatin1String(".lock");
+    const QString lockPath = ZAXHostFileSaver::TargetOf(path) + QLatin1String(".lock");
     auto file = std::make_unique<QLockFile>(lockPath);
     // Only the death of its process makes a lock stale, never its age: a planner may be at lunch.
     file->setStaleLockTime(0);
-    if (file->tryLock(0)) {
+    if (file->tryLock(0) || (IsAbandoned(*file, lockPath) && file->removeStaleLockFile() && file->tryLock(0))) {
         m_file = std::move(file);
         return ZAXHostResult::Done();
     }

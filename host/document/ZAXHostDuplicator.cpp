@@ -7,7 +7,13 @@
 #include "ZAXGeoStream.h"
 #include "ZAXHostStateLoader.h"
 
+#include <QLoggingCategory>
+#include <QPointer>
+#include <QScopeGuard>
+
 namespace {
+
+Q_LOGGING_CATEGORY(logDuplicator, "zax.host.duplicator")
 
 qsizetype PlaceBehind(const ZAXFeatObject* source)
 {
@@ -39,6 +45,16 @@ ZAXFeatObject* ZAXHostDuplicator::Duplicate(ZAXFeatObject* source)
     }
 
     loader.SetReferenceMap([&](const ZAXGeoGeometryRef& reference) { return references.value(reference, reference); });
+    loader.SetUnavailable(
+        [container](const ZAXGeoGeometryRef& reference) { return !container->GetGeometryByRef(reference); });
+    // What features outside made of the copy must not outlive it.
+    auto cleanUp = qScopeGuard([&] {
+        try {
+            ZAXFeatObjectPrivate::Get(*top).ReleasePointers();
+        } catch (const std::exception& exception) {
+            qCWarning(logDuplicator, "A reference to a discarded copy was not released: %s", exception.what());
+        }
+    });
     for (const ZAXFeatObject* original : originals) {
         ZAXGeoStream stream(original->GetContainer());
         original->Save(stream);
@@ -48,8 +64,11 @@ ZAXFeatObject* ZAXHostDuplicator::Duplicate(ZAXFeatObject* source)
     for (const ZAXFeatObject* original : originals)
         copies.value(original)->PostDuplicate(original, source);
 
-    ZAXFeatObject* const copy = top.release();
+    cleanUp.dismiss();
+    QList<ZAXFeatObject*> announced;
     for (const ZAXFeatObject* original : originals)
-        ZAXFeatObjectPrivate::Get(*copies.value(original)).Announce();
+        announced.append(copies.value(original));
+    const QPointer<ZAXFeatObject> copy = top.release();
+    ZAXFeatObjectPrivate::Announce(announced);
     return copy;
 }

@@ -26,15 +26,6 @@ QString LastError()
     return QString::fromLocal8Bit(std::strerror(errno));
 }
 
-/// The file that \a path means in the end, behind symbolic links.
-QFileInfo Target(const QString& path)
-{
-    const QFileInfo file(path);
-    const QString canonical = file.canonicalFilePath();
-    return canonical.isEmpty() ? QFileInfo(file.isSymLink() ? file.symLinkTarget() : file.absoluteFilePath())
-                               : QFileInfo(canonical);
-}
-
 QString AsidePrefix(const QFileInfo& target)
 {
     return u'.' + target.fileName() + u'.';
@@ -88,7 +79,8 @@ bool WriteAll(int file, const QByteArray& bytes, ZAXHostFileSystem& system)
 /// Writes the new file \a aside; on a failure it is gone again.
 ZAXHostResult WriteAside(const QByteArray& aside, unsigned int mode, const QByteArray& bytes, ZAXHostFileSystem& system)
 {
-    const int file = system.Create(aside, 0666);
+    // Nobody may read it meanwhile who may not read the old one.
+    const int file = system.Create(aside, mode != 0 ? mode & 0666U : 0666U);
     if (file < 0)
         return ZAXHostResult::Failed(Tr("a file beside it cannot be made: %1").arg(LastError()));
     ZAXHostResult result = ZAXHostResult::Done();
@@ -109,17 +101,44 @@ ZAXHostResult WriteAside(const QByteArray& aside, unsigned int mode, const QByte
     return result;
 }
 
+/// Why the file must not be replaced; empty if it may.
+QString WhyProtected(const QFileInfo& target, const QByteArray& file, unsigned int mode)
+{
+    if (!target.exists())
+        return {};
+    if (target.isDir())
+        return Tr("it is a folder");
+    if (!target.isFile())
+        return Tr("it is no file");
+    // Who may do anything must still ask before writing what is marked as read-only.
+    if ((mode & 0222U) == 0)
+        errno = EACCES;
+    else if (access(file.constData(), W_OK) == 0)
+        return {};
+    return Tr("it must not be written: %1").arg(LastError());
+}
+
 } // namespace
+
+QString ZAXHostFileSaver::TargetOf(const QString& path)
+{
+    const QFileInfo file(path);
+    const QString canonical = file.canonicalFilePath();
+    if (!canonical.isEmpty())
+        return canonical;
+    // A file that is not there yet in a folder that is.
+    const QFileInfo target(file.isSymLink() ? file.symLinkTarget() : file.absoluteFilePath());
+    const QString folder = QFileInfo(target.absolutePath()).canonicalFilePath();
+    return folder.isEmpty() ? target.absoluteFilePath() : QDir(folder).filePath(target.fileName());
+}
 
 ZAXHostResult ZAXHostFileSaver::Save(const QString& path, const QByteArray& bytes, ZAXHostFileSystem& system)
 {
-    const QFileInfo target = Target(path);
-    if (target.isDir())
-        return ZAXHostResult::Failed(Tr("it is a folder"));
+    const QFileInfo target(TargetOf(path));
     const QByteArray file = QFile::encodeName(target.absoluteFilePath());
     const unsigned int mode = ModeOf(file);
-    if (mode != 0 && access(file.constData(), W_OK) != 0)
-        return ZAXHostResult::Failed(Tr("it must not be written: %1").arg(LastError()));
+    if (const QString why = WhyProtected(target, file, mode); !why.isEmpty())
+        return ZAXHostResult::Failed(why);
     RemoveLeftovers(target, system);
     const QByteArray aside = QFile::encodeName(
         target.absoluteDir().filePath(AsidePrefix(target) + QString::number(getpid()) + QLatin1String(asideSuffix)));

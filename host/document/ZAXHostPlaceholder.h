@@ -13,8 +13,8 @@ struct ZAXHostDocumentClass;
 /// saved it, or its class does not read its data. Its data are kept as they are, references included, and saved again
 /// byte for byte; when the class is there at a later load, the object comes to life.
 ///
-/// A placeholder can be moved to parents of the same class as its own and into folders, duplicated and removed. For
-/// other features it is not there: references to it lead nowhere, but are kept.
+/// A placeholder can be moved to parents of the same class as its own, with folders looked through, duplicated and
+/// removed. For other features it is not there: references to it lead nowhere, but are kept until it is removed.
 class ZAXHOST_EXPORT ZAXHostPlaceholder : public ZAXFeatObject
 {
     Q_OBJECT

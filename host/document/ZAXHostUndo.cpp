@@ -47,12 +47,16 @@ public:
     ZAXHostResult Refusal() const { return ZAXHostResult::Failed(Tr("A change of the document is still under way.")); }
     ZAXHostResult Run(void (QUndoStack::*operation)());
 
+    /// Ends \a recording and gives its step.
+    ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
     /// Takes what was recorded back.
     void RollBackRecorded();
     /// Does \a step in \a direction, or leaves everything as it is and throws.
     void Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// Takes back what slots changed while \a step was done in \a direction.
+    void TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
     /// The features that a step kept are no longer needed: they go as soon as the stack is in order.
     void Discard(const QList<quint64>& ids) { discarded += ids; }
     void FreeDiscarded();
@@ -73,6 +77,35 @@ public:
 };
 
 namespace {
+
+/// Held while states of \a step are restored.
+class Restoring
+{
+public:
+    Restoring(ZAXHostUndoPrivate& undo, const ZAXHostUndoStep& step) : m_undo(undo)
+    {
+        m_undo.restored = &step;
+        Set(true);
+    }
+    ~Restoring()
+    {
+        Set(false);
+        m_undo.restored = nullptr;
+        m_undo.foreign = {};
+    }
+    Restoring(const Restoring&) = delete;
+    Restoring& operator=(const Restoring&) = delete;
+
+private:
+    void Set(bool isRestoring)
+    {
+        m_undo.isRestoring = isRestoring;
+        ZAXFeatContainerPrivate::Get(*m_undo.container).isRestoring = isRestoring;
+        ZAXGeoContainerPrivate::Get(*m_undo.container).findsAside = isRestoring;
+    }
+
+    ZAXHostUndoPrivate& m_undo;
+};
 
 class Command : public QUndoCommand
 {
@@ -134,15 +167,22 @@ void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
 {
     recorded.Forget(feature->GetId());
     foreign.Forget(feature->GetId());
+    // No step tells of it, and none brings it back.
+    if (ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
+        stack.resetClean();
+}
+
+ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
+{
+    ZAXHostUndoStep step = std::exchange(recording, {});
+    Discard(step.Close(*container));
+    return step;
 }
 
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    ZAXHostUndoStep step = std::exchange(recorded, {});
-    step.Close(*container);
-    if (step.IsEmpty())
-        return;
-    {
+    const ZAXHostUndoStep step = Take(recorded);
+    if (!step.IsEmpty()) {
         isPushing = true;
         const auto pushed = qScopeGuard([this] { isPushing = false; });
         stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
@@ -152,40 +192,42 @@ void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 
 void ZAXHostUndoPrivate::RollBackRecorded()
 {
-    ZAXHostUndoStep step = std::exchange(recorded, {});
-    step.Close(*container);
-    if (step.IsEmpty())
-        return;
-    Restore(step, ZAXHostUndoStep::Back);
-    Discard(step.Keeps(ZAXHostUndoStep::Back));
+    const ZAXHostUndoStep step = Take(recorded);
+    if (!step.IsEmpty()) {
+        const Restoring restoring(*this, step);
+        step.TakeBack(*container, ZAXHostUndoStep::Forth, step.placings.size());
+        TakeForeignBack(step, ZAXHostUndoStep::Back);
+        Discard(step.Keeps(ZAXHostUndoStep::Back));
+    }
     FreeDiscarded();
+}
+
+void ZAXHostUndoPrivate::TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+{
+    // What is taken back is told about as well, which may set slots off anew. They do not go on for ever.
+    constexpr int loudRounds = 8;
+    for (int round = 0; round <= loudRounds; ++round) {
+        const auto voice = round < loudRounds ? ZAXHostUndoStep::Aloud : ZAXHostUndoStep::Silently;
+        const ZAXHostUndoStep slotChanges = Take(foreign);
+        slotChanges.TakeBack(*container, ZAXHostUndoStep::Forth, slotChanges.placings.size(), voice);
+        Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
+        step.Settle(*container, direction, voice);
+        if (foreign.IsEmpty())
+            return;
+    }
 }
 
 void ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
 {
-    auto& features = ZAXFeatContainerPrivate::Get(*container);
-    auto& geometries = ZAXGeoContainerPrivate::Get(*container);
-    restored = &step;
-    isRestoring = features.isRestoring = geometries.findsAside = true;
-    const auto done = qScopeGuard([&] {
-        isRestoring = features.isRestoring = geometries.findsAside = false;
-        restored = nullptr;
-        foreign = {};
-    });
-    const auto takeForeignBack = [&] {
-        ZAXHostUndoStep slotChanges = std::exchange(foreign, {});
-        slotChanges.Close(*container);
-        slotChanges.Apply(*container, ZAXHostUndoStep::Back);
-        Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
-        step.Settle(*container, direction);
-    };
+    const Restoring restoring(*this, step);
+    qsizetype placed = 0;
     try {
-        step.Apply(*container, direction);
-        takeForeignBack();
+        step.Apply(*container, direction, placed);
+        TakeForeignBack(step, direction);
     } catch (const std::exception& exception) {
         qCWarning(logUndo, "A state could not be restored: %s", exception.what());
-        foreign = {};
-        step.Apply(*container, direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth);
+        step.TakeBack(*container, direction, placed);
+        TakeForeignBack(step, direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth);
         throw;
     }
 }
@@ -208,8 +250,9 @@ ZAXHostResult ZAXHostUndoPrivate::Run(void (QUndoStack::*operation)())
         return Refusal();
     try {
         (stack.*operation)();
-    } catch (const ZAXSysException& exception) {
-        return ZAXHostResult::Failed(exception.GetMessage());
+    } catch (const std::exception& exception) {
+        FreeDiscarded();
+        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
     }
     FreeDiscarded();
     return ZAXHostResult::Done();

@@ -34,14 +34,20 @@ public:
         Back,
         Forth
     };
+    enum Voice
+    {
+        Aloud,
+        Silently
+    };
 
     /// Adds the state of \a feature before its first change in this step. A feature that came in this step has none.
     void AddState(const ZAXFeatObject* feature);
     void AddPlacing(const ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to);
     /// Forgets a feature that is destroyed.
     void Forget(quint64 id);
-    /// Adds the states after the last change and drops those that are as before.
-    void Close(const ZAXFeatContainer& container);
+    /// Adds the states after the last change and drops what is as before. Gives the features that came and went again
+    /// in a step which did nothing else to the tree: nothing can bring them back.
+    QList<quint64> Close(const ZAXFeatContainer& container);
 
     bool IsEmpty() const { return placings.isEmpty() && states.isEmpty(); }
     bool HasState(quint64 id) const { return stateIndex.contains(id); }
@@ -50,10 +56,13 @@ public:
 
     /// Puts the features back to where they stood before the step, or forth to where they stood after it. Signals of
     /// departures are raised at once, those of arrivals when the states are right.
-    /// \throws what a feature throws that does not take its state, half-way.
-    void Apply(ZAXFeatContainer& container, Direction direction) const;
-    /// Restores the states once more that slots changed since Apply().
-    void Settle(ZAXFeatContainer& container, Direction direction) const;
+    /// \throws what a feature or a slot throws, half-way: TakeBack() with \a placed mends that.
+    void Apply(ZAXFeatContainer& container, Direction direction, qsizetype& placed) const;
+    /// Reverses what Apply() in \a direction did, as far as it got. Goes on whatever throws: a feature whose state
+    /// cannot be restored because of a slot gets it without signals. \a Silently raises none at all.
+    void TakeBack(ZAXFeatContainer& container, Direction direction, qsizetype placed, Voice voice = Aloud) const;
+    /// Restores the states once more that slots changed since Apply(), as TakeBack() does.
+    void Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const;
     /// The features that are aside after the step was done, or taken back, and that only this step can bring back.
     QList<quint64> Keeps(Direction lastDirection) const;
 
@@ -65,6 +74,11 @@ public:
     static ZAXFeatObject* Find(const ZAXFeatContainer& container, quint64 id);
 
 private:
+    struct Arrival;
+    /// The placing that is the \a number-th in \a direction.
+    const Placing& PlacingAt(qsizetype number, Direction direction) const;
+    static void Put(ZAXFeatContainer& container, const Placing& placing, Direction direction, Voice voice,
+                    QList<Arrival>& arrivals);
     bool CameInStep(quint64 id) const;
 };
 

@@ -5,10 +5,12 @@
 
 #include "ZAXFeatContainer.h"
 
+#include <QHash>
 #include <QList>
 
 class ZAXFeatChangeObserver;
 class ZAXFeatObject;
+class ZAXFeatObjectPropertyBase;
 
 class ZAXFEATURE_EXPORT ZAXFeatContainerPrivate
 {
@@ -22,6 +24,8 @@ public:
     QList<ZAXFeatObject*> roots;
     /// Removed features, each with its subtree, that undo or somebody who holds a reference count keeps.
     QList<ZAXFeatObject*> removed;
+    /// The properties that would point at features which could not be made, by the ids of those.
+    QMultiHash<quint64, ZAXFeatObjectPropertyBase*> unavailable;
     /// Not owned; may be null.
     ZAXFeatChangeObserver* observer = nullptr;
     /// How many signals about changes are being raised, one within another.

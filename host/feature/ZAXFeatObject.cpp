@@ -183,12 +183,13 @@ void ZAXFeatObject::Remove()
     const QPointer<ZAXFeatObject> parent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->SetAside();
-    auto* const observer = d_ptr->Observer();
+    // What was never announced is nothing that could come back.
+    auto* const observer = d_ptr->isAnnounced ? d_ptr->Observer() : nullptr;
     if (observer)
         observer->Placed(this, from, {});
     const bool isKept = observer && observer->KeepsRemoved();
     const auto discard = qScopeGuard([isKept, self = QPointer<ZAXFeatObject>(this)] {
-        if (self && !isKept)
+        if (self && self->d_ptr->isAside && !isKept)
             self->d_ptr->Discard();
     });
     if (d_ptr->isAnnounced)
@@ -262,7 +263,7 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->AttachTo(parent, index);
     const ZAXFeatPlace to = d_ptr->Place();
-    if (auto* const observer = d_ptr->Observer(); observer && from != to)
+    if (auto* const observer = d_ptr->Observer(); observer && d_ptr->isAnnounced && from != to)
         observer->Placed(this, from, to);
     if (oldParent != parent) {
         d_ptr->RaiseRemoved(oldParent);

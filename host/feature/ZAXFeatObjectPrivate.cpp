@@ -11,10 +11,23 @@
 #include "ZAXSysException.h"
 
 #include <QMetaClassInfo>
+#include <QPointer>
 #include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
+
+namespace {
+
+/// The nearest feature from \a feature upwards that is no plain folder; null for the top.
+const ZAXFeatObject* LookThroughFolders(const ZAXFeatObject* feature)
+{
+    while (feature && ZAXFeatObjectPrivate::IsPlainFolder(feature->metaObject()))
+        feature = feature->GetParent();
+    return feature;
+}
+
+} // namespace
 
 bool ZAXFeatObjectPrivate::IsPlainFolder(const QMetaObject* type)
 {
@@ -75,7 +88,12 @@ bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
 {
     if (!isPlaceholder)
         return newParent->IsChildAllowed(q->metaObject());
-    return IsPlainFolder(newParent->metaObject()) || (parent && newParent->metaObject() == parent->metaObject());
+    const ZAXFeatObject* const present = LookThroughFolders(parent);
+    const ZAXFeatObject* const target = LookThroughFolders(newParent);
+    if (present == target)
+        return true;
+    // One placeholder does not tell what another one would allow.
+    return present && target && !Get(*target).isPlaceholder && present->metaObject() == target->metaObject();
 }
 
 ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
@@ -102,12 +120,28 @@ void ZAXFeatObjectPrivate::RaiseRemoved(ZAXFeatObject* parent) const
 
 void ZAXFeatObjectPrivate::Announce()
 {
-    if (std::exchange(isAnnounced, true))
+    if (!isAnnounced)
+        Announce({q});
+}
+
+void ZAXFeatObjectPrivate::Announce(const QList<ZAXFeatObject*>& features)
+{
+    if (features.isEmpty())
         return;
-    const ZAXFeatStep step(container);
-    if (auto* const observer = Observer())
-        observer->Placed(q, {}, Place());
-    RaiseAdded(parent);
+    const ZAXFeatStep step(Get(*features.constFirst()).container);
+    QList<QPointer<ZAXFeatObject>> arrivals;
+    for (ZAXFeatObject* feature : features) {
+        auto& d = Get(*feature);
+        d.isAnnounced = true;
+        if (auto* const observer = d.Observer())
+            observer->Placed(feature, {}, d.Place());
+        arrivals.append(feature);
+    }
+    for (const auto& feature : std::as_const(arrivals)) {
+        // A slot may have done away with it.
+        if (feature && !Get(*feature).isAside)
+            Get(*feature).RaiseAdded(feature->GetParent());
+    }
 }
 
 void ZAXFeatObjectPrivate::SetAside()
@@ -129,6 +163,8 @@ void ZAXFeatObjectPrivate::BringBack(ZAXFeatObject* newParent, qsizetype index)
 {
     auto& geometries = ZAXGeoContainerPrivate::Get(*container);
     Detach();
+    if (newParent && Get(*newParent).isAside)
+        return AttachTo(newParent, index);
     const auto subtree = Subtree();
     for (ZAXFeatObject* feature : subtree) {
         Get(*feature).isAside = false;
@@ -176,20 +212,28 @@ QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const
     return features;
 }
 
+ZAXFeatObjectPropertyBase* ZAXFeatObjectPrivate::FindPointer(const QSet<const ZAXFeatObject*>& features) const
+{
+    const auto isOutside = [&](const ZAXFeatObjectPropertyBase* property) {
+        return !features.contains(property->GetFeature());
+    };
+    const auto found = std::ranges::find_if(pointers, isOutside);
+    if (found != pointers.end())
+        return *found;
+    if (!isPlaceholder || !container)
+        return nullptr;
+    const auto missing = ZAXFeatContainerPrivate::Get(*container).unavailable.values(q->GetId());
+    const auto keeping = std::ranges::find_if(missing, isOutside);
+    return keeping != missing.end() ? *keeping : nullptr;
+}
+
 void ZAXFeatObjectPrivate::ReleasePointers()
 {
     const auto subtree = Subtree();
     const QSet<const ZAXFeatObject*> inside(subtree.cbegin(), subtree.cend());
     for (const ZAXFeatObject* feature : subtree) {
-        auto& pointed = Get(*feature).pointers;
-        // What a property's signal sets off may change the list: look for the next one each time.
-        const auto next = [&] {
-            return std::ranges::find_if(pointed, [&](const ZAXFeatObjectPropertyBase* property) {
-                return !inside.contains(property->GetFeature());
-            });
-        };
-        for (auto found = next(); found != pointed.end(); found = next()) {
-            ZAXFeatObjectPropertyBase* const property = *found;
+        // What a property's signal sets off may change the pointers: look for the next one each time.
+        while (ZAXFeatObjectPropertyBase* const property = Get(*feature).FindPointer(inside)) {
             if (auto* const list = property->GetOwningList()) {
                 list->RemoveItem(property, false);
             } else {

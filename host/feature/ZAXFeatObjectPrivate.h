@@ -6,6 +6,8 @@
 #include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatObject.h"
 
+#include <QSet>
+
 class ZAXFeatObjectPropertyBase;
 class ZAXFeatValuePropertyBase;
 
@@ -38,9 +40,13 @@ public:
     void TakeLeave();
     /// Has the parent raise ChildAdded(), once in the feature's life.
     void Announce();
+    /// Announces \a features of one container, which were not announced before: they are all there when the first
+    /// parent raises ChildAdded().
+    static void Announce(const QList<ZAXFeatObject*>& features);
     /// Takes the feature with its subtree out of the tree: references no longer find it. Tells nobody.
     void SetAside();
-    /// Gives the feature, with its subtree, its place in the tree back. Tells nobody.
+    /// Gives the feature, with its subtree, its place in the tree back; below a parent that is aside itself it comes
+    /// back with that. Tells nobody.
     void BringBack(ZAXFeatObject* newParent, qsizetype index);
     /// Deletes the feature, which is aside, with its subtree, save what somebody holds a reference count on.
     void Discard();
@@ -52,7 +58,8 @@ public:
 
     /// The feature itself and all below it.
     QList<ZAXFeatObject*> Subtree() const;
-    /// Clears every property outside the subtree that points into it, with notification.
+    /// Clears every property outside the subtree that points into it, or would but for a placeholder, with
+    /// notification.
     void ReleasePointers();
 
     ZAXFeatObject* const q;
@@ -83,6 +90,8 @@ public:
 
 private:
     QList<ZAXFeatObject*>* Siblings() const;
+    /// A property outside \a features that points at the feature, or would if it were no placeholder; null for none.
+    ZAXFeatObjectPropertyBase* FindPointer(const QSet<const ZAXFeatObject*>& features) const;
 };
 
 #endif

@@ -1,5 +1,6 @@
 #include "ZAXFeatObjectPropertyBase.h"
 
+#include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObjectListPropertyBase.h"
 #include "ZAXFeatObjectPrivate.h"
 #include "ZAXFeatPropertyBasePrivate.h"
@@ -14,6 +15,7 @@ ZAXFeatObjectPropertyBase::~ZAXFeatObjectPropertyBase()
 {
     if (ZAXFeatObject* const pointed = GetPointedObject())
         ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
+    SetUnavailableReference({});
 }
 
 ZAXFeatObjectListPropertyBase* ZAXFeatObjectPropertyBase::GetOwningList() const
@@ -29,7 +31,7 @@ void ZAXFeatObjectPropertyBase::SetPointedObject(ZAXFeatObject* object)
     if (pointed)
         ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
     pointed = object;
-    ZAXFeatPropertyBasePrivate::Get(*this).unavailable = {};
+    SetUnavailableReference({});
     if (pointed)
         ZAXFeatObjectPrivate::Get(*pointed).pointers.append(this);
 }
@@ -52,7 +54,16 @@ ZAXGeoGeometryRef ZAXFeatObjectPropertyBase::GetReference() const
 
 void ZAXFeatObjectPropertyBase::SetUnavailableReference(const ZAXGeoGeometryRef& reference)
 {
-    ZAXFeatPropertyBasePrivate::Get(*this).unavailable = reference;
+    auto& unavailable = ZAXFeatPropertyBasePrivate::Get(*this).unavailable;
+    if (unavailable == reference)
+        return;
+    if (auto* const container = ZAXFeatObjectPrivate::Get(*GetFeature()).container) {
+        auto& properties = ZAXFeatContainerPrivate::Get(*container).unavailable;
+        properties.remove(unavailable.GetId(), this);
+        if (reference.IsValid())
+            properties.insert(reference.GetId(), this);
+    }
+    unavailable = reference;
 }
 
 ZAXFeatObjectListPropertyBase::ZAXFeatObjectListPropertyBase(ZAXFeatObject* feature, int propertyIndex)

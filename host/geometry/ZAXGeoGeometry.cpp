@@ -116,6 +116,10 @@ void ZAXGeoGeometry::SetCurrentState(const QByteArray& state)
     if (data.status() != QDataStream::Ok || !data.atEnd())
         throw ZAXSysException(QLatin1String("The state of the object cannot be read."));
     ZAXGeoStream stream(GetContainer(), payload, references);
+    // What the state referred to may be gone for good.
+    stream.SetUnavailable([container = GetContainer()](const ZAXGeoGeometryRef& reference) {
+        return container && !container->GetGeometryByRef(reference);
+    });
     BeginStateLoad();
     Load(stream);
     if (stream.GetDataStream().status() != QDataStream::Ok || !stream.GetDataStream().atEnd())
