@@ -23,6 +23,7 @@ private:
     static constexpr int materials = 10000;
     static constexpr qint64 limit = 60000;
 
+    QTemporaryDir folder{QDir::tempPath() + QString::fromUtf8("/zax ø XXXXXX")};
     std::unique_ptr<ZAXHostDocument> document;
     QElapsedTimer timer;
 
@@ -51,7 +52,6 @@ void tst_large_documents::initTestCase()
 
 void tst_large_documents::saveAndOpen()
 {
-    QTemporaryDir folder(QDir::tempPath() + QString::fromUtf8("/zax ø XXXXXX"));
     const QString path = folder.filePath(QLatin1String("large.zaxdoc"));
     timer.start();
     QVERIFY(document->SaveAs(path));
