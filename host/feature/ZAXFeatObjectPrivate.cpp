@@ -58,6 +58,11 @@ QList<ZAXFeatObject*>* ZAXFeatObjectPrivate::Siblings() const
 void ZAXFeatObjectPrivate::AttachTo(ZAXFeatObject* newParent, qsizetype index)
 {
     Detach();
+    Insert(newParent, index);
+}
+
+void ZAXFeatObjectPrivate::Insert(ZAXFeatObject* newParent, qsizetype index)
+{
     parent = newParent;
     if (auto* const siblings = Siblings())
         siblings->insert(index < 0 || index > siblings->size() ? siblings->size() : index, q);
@@ -156,7 +161,7 @@ void ZAXFeatObjectPrivate::SetAside()
         index.Remove(feature->GetId(), feature);
         index.aside.insert(feature->GetId(), feature);
     }
-    AttachTo(nullptr, -1);
+    Insert(nullptr, -1);
 }
 
 void ZAXFeatObjectPrivate::BringBack(ZAXFeatObject* newParent, qsizetype index)
@@ -164,14 +169,14 @@ void ZAXFeatObjectPrivate::BringBack(ZAXFeatObject* newParent, qsizetype index)
     auto& geometries = ZAXGeoContainerPrivate::Get(*container);
     Detach();
     if (newParent && Get(*newParent).isAside)
-        return AttachTo(newParent, index);
+        return Insert(newParent, index);
     const auto subtree = Subtree();
     for (ZAXFeatObject* feature : subtree) {
         Get(*feature).isAside = false;
         geometries.aside.remove(feature->GetId());
         geometries.Insert(feature->GetId(), feature);
     }
-    AttachTo(newParent, index);
+    Insert(newParent, index);
 }
 
 void ZAXFeatObjectPrivate::Discard()

@@ -90,6 +90,8 @@ public:
 
 private:
     QList<ZAXFeatObject*>* Siblings() const;
+    /// AttachTo() for a feature that Detach() took out.
+    void Insert(ZAXFeatObject* newParent, qsizetype index);
     /// A property outside \a features that points at the feature, or would if it were no placeholder; null for none.
     ZAXFeatObjectPropertyBase* FindPointer(const QSet<const ZAXFeatObject*>& features) const;
 };
