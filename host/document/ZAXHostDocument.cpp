@@ -27,6 +27,19 @@ QString Native(const QString& path)
     return QDir::toNativeSeparators(path);
 }
 
+/// Writes all of \a bytes, again and again: a device that takes a part of them does not say why, one that takes
+/// nothing any more does.
+bool WriteAll(QIODevice& device, const QByteArray& bytes)
+{
+    for (qsizetype written = 0; written < bytes.size();) {
+        const qint64 taken = device.write(bytes.constData() + written, bytes.size() - written);
+        if (taken <= 0)
+            return false;
+        written += taken;
+    }
+    return true;
+}
+
 /// Adds the versions of \a type and its bases.
 void AddVersions(const QMetaObject* type, QHash<QByteArray, int>& versions)
 {
@@ -76,6 +89,8 @@ QString WhyUnreadable(const QByteArray& className, const QHash<QByteArray, int>&
 
 ZAXHostResult Populate(ZAXFeatContainer* container, const ZAXHostDocumentImage& image)
 {
+    // First of all: what features make of their own meanwhile must not take the ids of those that follow.
+    ZAXGeoContainerPrivate::Get(*container).lastId = image.lastId;
     ZAXHostStateLoader loader(container);
     loader.SetVersions(image.versions);
     QList<ZAXFeatObject*> features;
@@ -109,8 +124,6 @@ ZAXHostResult Populate(ZAXFeatContainer* container, const ZAXHostDocumentImage& 
     } catch (const ZAXSysException& exception) {
         return ZAXHostResult::Failed(Tr("The document could not be loaded: %1").arg(exception.GetMessage()));
     }
-    auto& index = ZAXGeoContainerPrivate::Get(*container);
-    index.lastId = std::max(index.lastId, image.lastId);
     return ZAXHostResult::Done();
 }
 
@@ -177,8 +190,7 @@ ZAXHostResult ZAXHostDocument::Load(QIODevice* device)
 ZAXHostResult ZAXHostDocument::Save(QIODevice* device) const
 {
     try {
-        const QByteArray bytes = Encode();
-        if (device->write(bytes) != bytes.size())
+        if (!WriteAll(*device, Encode()))
             return ZAXHostResult::Failed(device->errorString());
     } catch (const ZAXSysException& exception) {
         return ZAXHostResult::Failed(exception.GetMessage());
@@ -208,9 +220,9 @@ ZAXHostResult ZAXHostDocument::SaveAs(const QString& path)
     } catch (const ZAXSysException& exception) {
         return failed(exception.GetMessage());
     }
-    // Flushed by hand: QSaveFile replaces the old file even when the last bytes, which it holds back, cannot be written.
+    // Unbuffered: QSaveFile replaces the old file even when the last bytes, which it holds back, cannot be written.
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || !WriteAll(file, bytes) || !file.commit())
         return failed(file.errorString());
     QFile written(path);
     if (!written.open(QIODevice::ReadOnly) || written.readAll() != bytes)

@@ -27,12 +27,14 @@ public:
     ZAXFeatContainer* GetContainer() const;
     /// Tells documents apart; kept in the file, and given at the making of a document.
     QUuid GetDocumentId() const;
-    /// True when features changed since the document was made, opened or saved to its file.
+    /// True when features changed since the document was made, loaded or saved by SaveAs(). What happens to a feature
+    /// before it is announced is part of its coming, and a feature that is deleted otherwise than by
+    /// ZAXFeatObject::Remove() goes unnoticed.
     bool IsModified() const;
 
     /// Replaces the document by the one that \a device holds from its present position to its end: all objects are
     /// made first, then each is loaded, then ZAXGeoGeometry::EndStateLoad() runs on each. A failure leaves the document
-    /// as it was.
+    /// as it was, and so does an exception of a feature that is no ZAXSysException and passes through.
     ZAXHostResult Load(QIODevice* device);
     /// Writes the document to \a device.
     ZAXHostResult Save(QIODevice* device) const;

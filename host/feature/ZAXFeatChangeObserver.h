@@ -5,7 +5,8 @@
 
 class ZAXFeatObject;
 
-/// Follows the changes of a container's features; set as ZAXFeatContainerPrivate::observer.
+/// Follows the changes of a container's features; set as ZAXFeatContainerPrivate::observer. A feature that is not
+/// announced yet is not followed: what it goes through is part of its coming, which changes its parent.
 class ZAXFeatChangeObserver
 {
 public:

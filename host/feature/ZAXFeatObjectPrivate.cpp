@@ -27,7 +27,7 @@ bool ZAXFeatObjectPrivate::MayStandAtTop(const QMetaObject* type)
 
 ZAXFeatChangeObserver* ZAXFeatObjectPrivate::Observer() const
 {
-    return container ? ZAXFeatContainerPrivate::Get(*container).observer : nullptr;
+    return container && isAnnounced ? ZAXFeatContainerPrivate::Get(*container).observer : nullptr;
 }
 
 QList<ZAXFeatObject*>* ZAXFeatObjectPrivate::Siblings() const

@@ -71,6 +71,7 @@ public:
     bool isRemoved = false;
 
 private:
+    /// Who follows the feature's changes; null until the feature is announced.
     ZAXFeatChangeObserver* Observer() const;
     QList<ZAXFeatObject*>* Siblings() const;
 };
