@@ -67,6 +67,7 @@ private slots:
     void isAnnouncedOnceAtInitialize();
     void initializesTheUnstreamedPartOnce();
     void announcementIsAChangeOfTheParent();
+    void changesAreFollowedFromTheAnnouncementOn();
     void parentOfAnotherDocumentIsRefused();
     void mayHaveNoContainer();
     void recreatedFeatureStandsAtTheTop();
@@ -219,6 +220,19 @@ void tst_ZAXFeatObject::announcementIsAChangeOfTheParent()
     QCOMPARE(Journal(), Entries("InitializeNonStreamed \n about to change F \n changed F \n ChildAdded \n Initialize"));
 }
 
+void tst_ZAXFeatObject::changesAreFollowedFromTheAnnouncementOn()
+{
+    const ZAXProbeObserver observer(*m_container);
+    auto* const part = new ZAXProbePart(Part("F"));
+    part->SetName(QStringLiteral("G"));
+    part->SetLabel(QStringLiteral("before"));
+    QCOMPARE(Journal(), QStringList());
+    part->Initialize();
+    Journal();
+    part->SetLabel(QStringLiteral("after"));
+    QCOMPARE(Journal(), Entries("about to change G \n changed G"));
+}
+
 void tst_ZAXFeatObject::parentOfAnotherDocumentIsRefused()
 {
     ZAXFeatContainer other;
@@ -293,6 +307,8 @@ void tst_ZAXFeatObject::changeOfTheLabelIsAnnounced()
 {
     auto* const part = new NumberedPart(m_container.get());
     part->SetName(QStringLiteral("N"));
+    part->Initialize();
+    Journal();
     const ZAXProbeObserver observer(*m_container);
     connect(part, &ZAXFeatObject::LabelChanged, this, [](const QString& label) { ZAXProbeJournal::Note(label); });
     part->SetLabel(QStringLiteral("7"));
