@@ -60,6 +60,7 @@ public:
     /// A feature re-created from a stream. The host gives it its place in the tree.
     ZAXFeatObject(const ZAXGeoGeometryRef& reference, ZAXGeoContainer* container);
     /// Destroys the children too. Announces nothing, since listeners could no longer tell what goes: see Remove().
+    /// Properties that point at the feature point at nothing from now on, items of lists included.
     ~ZAXFeatObject() override;
 
     void Save(ZAXGeoStream& stream) const override;

@@ -70,5 +70,6 @@ ZAXFeatObject* ZAXHostDuplicator::Duplicate(ZAXFeatObject* source)
         announced.append(copies.value(original));
     const QPointer<ZAXFeatObject> copy = top.release();
     ZAXFeatObjectPrivate::Announce(announced);
-    return copy;
+    const bool isThere = copy && !ZAXFeatObjectPrivate::Get(*copy).isAside;
+    return isThere ? copy.data() : nullptr;
 }

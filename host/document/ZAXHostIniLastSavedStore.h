@@ -9,8 +9,9 @@
 class QSettings;
 class QString;
 
-/// Last-saved values in an INI file, one section per class. Values of enumerations are kept by name.
-/// Puts itself in use nowhere: see ZAXFeatLastSavedStore::SetCurrent().
+/// Last-saved values in an INI file, one section per class. Values of enumerations are kept by name, those of types
+/// that are not Qt's as text; what has no text is not kept, which is logged. Puts itself in use nowhere: see
+/// ZAXFeatLastSavedStore::SetCurrent().
 class ZAXHOST_EXPORT ZAXHostIniLastSavedStore : public ZAXFeatLastSavedStore
 {
 public:

@@ -25,6 +25,7 @@ ZAXProbePart::ZAXProbePart(ZAXGeoContainer* container, const ZAXGeoGeometryRef& 
     : ZAXFeatObject(reference, container)
 {
     length.RequestInitialization();
+    Note("recreated");
 }
 
 ZAXProbePart::ZAXProbePart(ZAXFeatObject* parent) : ZAXFeatObject(ContainerOf(parent), parent)
