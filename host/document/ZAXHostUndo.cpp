@@ -66,6 +66,8 @@ public:
     ZAXHostUndoStep recorded;
     /// What slots changed while a state is restored.
     ZAXHostUndoStep foreign;
+    /// What of that was taken back already: these states are right as they were before.
+    ZAXHostUndoStep takenBack;
     const ZAXHostUndoStep* restored = nullptr;
     QList<quint64> discarded;
     int depth = 0;
@@ -92,6 +94,7 @@ public:
         Set(false);
         m_undo.restored = nullptr;
         m_undo.foreign = {};
+        m_undo.takenBack = {};
     }
     Restoring(const Restoring&) = delete;
     Restoring& operator=(const Restoring&) = delete;
@@ -154,7 +157,7 @@ void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
         return;
     if (!isRestoring)
         recorded.AddState(feature);
-    else if (!restored->HasState(feature->GetId()))
+    else if (!restored->HasState(feature->GetId()) && !takenBack.HasState(feature->GetId()))
         foreign.AddState(feature);
 }
 
@@ -167,6 +170,7 @@ void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
 {
     recorded.Forget(feature->GetId());
     foreign.Forget(feature->GetId());
+    takenBack.Forget(feature->GetId());
     // No step tells of it, and none brings it back.
     if (ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         stack.resetClean();
@@ -209,10 +213,12 @@ void ZAXHostUndoPrivate::TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUnd
     for (int round = 0; round <= loudRounds; ++round) {
         const auto voice = round < loudRounds ? ZAXHostUndoStep::Aloud : ZAXHostUndoStep::Silently;
         const ZAXHostUndoStep slotChanges = Take(foreign);
+        takenBack.AddStates(slotChanges);
         slotChanges.TakeBack(*container, ZAXHostUndoStep::Forth, slotChanges.placings.size(), voice);
         Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
-        step.Settle(*container, direction, voice);
-        if (foreign.IsEmpty())
+        const bool isStepSettled = !step.Settle(*container, direction, voice);
+        const bool areOthersSettled = !takenBack.Settle(*container, ZAXHostUndoStep::Back, voice);
+        if (foreign.IsEmpty() && isStepSettled && areOthersSettled)
             return;
     }
 }

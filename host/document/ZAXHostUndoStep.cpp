@@ -192,18 +192,29 @@ void ZAXHostUndoStep::TakeBack(ZAXFeatContainer& container, Direction direction,
         Try([&] { arrival.Raise(); });
 }
 
-void ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const
+bool ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const
 {
+    bool isChanged = false;
     for (const State& state : states) {
         ZAXFeatObject* const feature = Find(container, state.id);
         const QByteArray& right = direction == Forth ? state.after : state.before;
         if (!feature || feature->GetCurrentState() == right)
             continue;
+        isChanged = true;
         const auto restore = [&] { feature->SetCurrentState(right); };
         if (voice == Aloud && Try(restore))
             continue;
         const QSignalBlocker blocker(feature);
         Try(restore);
+    }
+    return isChanged;
+}
+
+void ZAXHostUndoStep::AddStates(const ZAXHostUndoStep& other)
+{
+    for (const State& state : other.states) {
+        stateIndex.insert(state.id, states.size());
+        states.append(state);
     }
 }
 

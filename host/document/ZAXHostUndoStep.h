@@ -61,8 +61,10 @@ public:
     /// Reverses what Apply() in \a direction did, as far as it got. Goes on whatever throws: a feature whose state
     /// cannot be restored because of a slot gets it without signals. \a Silently raises none at all.
     void TakeBack(ZAXFeatContainer& container, Direction direction, qsizetype placed, Voice voice = Aloud) const;
-    /// Restores the states once more that slots changed since Apply(), as TakeBack() does.
-    void Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const;
+    /// Restores the states once more that slots changed since Apply(), as TakeBack() does; false when there were none.
+    bool Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const;
+    /// Adds the states of \a other, none of which this step has.
+    void AddStates(const ZAXHostUndoStep& other);
     /// The features that are aside after the step was done, or taken back, and that only this step can bring back.
     QList<quint64> Keeps(Direction lastDirection) const;
 

@@ -58,7 +58,8 @@ class tst_copies : public QObject
 private:
     ZAXProbePart* Part(const char* text, ZAXFeatObject* parent = nullptr)
     {
-        auto* const part = qobject_cast<ZAXProbePart*>(document->GetContainer()->CreateInstance("ZAXProbePart", parent));
+        auto* const part =
+            qobject_cast<ZAXProbePart*>(document->GetContainer()->CreateInstance("ZAXProbePart", parent));
         part->SetText(QString::fromUtf8(text));
         return part;
     }
@@ -359,8 +360,9 @@ void tst_copies::pasteRefusesWhatIsNoCopy()
     QList<ZAXHostProblem> problems;
     QCOMPARE(ZAXHostClipboard::Paste("text", top, pasted, problems).GetMessage(),
              QLatin1String("This is not a document of this program, or one that was changed by a transfer as text."));
-    QVERIFY(ZAXHostClipboard::Paste(damaged, top, pasted, problems).GetMessage().startsWith(
-        QLatin1String("The document is damaged at byte ")));
+    QVERIFY(ZAXHostClipboard::Paste(damaged, top, pasted, problems)
+                .GetMessage()
+                .startsWith(QLatin1String("The document is damaged at byte ")));
     QVERIFY(pasted.isEmpty());
     QCOMPARE(document->Encode(), before);
 }

@@ -111,8 +111,7 @@ void tst_locking::secondDocumentIsReadOnly()
         ZAXHostDocument second;
         QVERIFY(first.Open(path));
         QVERIFY(first.GetReadOnlyReason().isEmpty());
-        QCOMPARE(Entries(),
-                 (QStringList{QLatin1String("document.zaxdoc"), QLatin1String("document.zaxdoc.lock")}));
+        QCOMPARE(Entries(), (QStringList{QLatin1String("document.zaxdoc"), QLatin1String("document.zaxdoc.lock")}));
         QVERIFY(second.Open(path));
         QCOMPARE(second.GetReadOnlyReason(),
                  QStringLiteral("The document %1 is opened by %2 on %3 (process %4, tst_locking).")

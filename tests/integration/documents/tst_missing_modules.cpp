@@ -537,8 +537,9 @@ void tst_missing_modules::referenceToNothingIsKept()
     });
     ZAXHostDocument document;
     QVERIFY(LoadBytes(document, edited));
-    QCOMPARE(MessagesOf(document, ZAXHostProblem::Unresolved),
-             QStringList{QStringLiteral("The object %1 refers to the object 777, which does not exist.").arg(brassGas)});
+    QCOMPARE(
+        MessagesOf(document, ZAXHostProblem::Unresolved),
+        QStringList{QStringLiteral("The object %1 refers to the object 777, which does not exist.").arg(brassGas)});
     QCOMPARE(document.GetProblems().size(), 1);
     QVERIFY(!At<ZAXProbeGas>(document, brassGas)->data.link.GetObject());
     QCOMPARE(document.Encode(), edited);
