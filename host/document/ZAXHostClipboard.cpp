@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QPointer>
 
 #include <algorithm>
 #include <iterator>
@@ -57,9 +58,13 @@ public:
         for (qsizetype i = 0; i < m_features.size(); ++i)
             Load(m_features.at(i), m_image.records.at(i));
         m_loader.EndLoad();
+        QList<QPointer<ZAXFeatObject>> tops;
         for (auto& top : m_tops)
-            pasted.append(top.release());
+            tops.append(top.release());
         ZAXFeatObjectPrivate::Announce(m_features);
+        // Not what a slot has done away with.
+        std::ranges::copy_if(tops, std::back_inserter(pasted),
+                             [](const auto& top) { return top && !ZAXFeatObjectPrivate::Get(*top).isAside; });
     }
 
     QList<ZAXFeatObject*> pasted;

@@ -32,6 +32,19 @@ bool IsSameFile(const QString& a, const QString& b)
     return !a.isEmpty() && ZAXHostFileSaver::TargetOf(a) == ZAXHostFileSaver::TargetOf(b);
 }
 
+/// Writes all of \a bytes, again and again: a device that takes a part of them does not say why, one that takes
+/// nothing any more does.
+bool WriteAll(QIODevice& device, const QByteArray& bytes)
+{
+    for (qsizetype written = 0; written < bytes.size();) {
+        const qint64 taken = device.write(bytes.constData() + written, bytes.size() - written);
+        if (taken <= 0)
+            return false;
+        written += taken;
+    }
+    return true;
+}
+
 } // namespace
 
 class ZAXHostDocumentPrivate
@@ -202,7 +215,7 @@ ZAXHostResult ZAXHostDocument::Save(QIODevice* device)
         if (const auto result = d_ptr->EncodeChecked(image, bytes); !result)
             return result;
         d_ptr->highestSavedId = image.lastId;
-        if (device->write(bytes) != bytes.size())
+        if (!WriteAll(*device, bytes))
             return ZAXHostResult::Failed(device->errorString());
     } catch (const std::exception& exception) {
         return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));

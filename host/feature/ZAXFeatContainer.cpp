@@ -99,7 +99,7 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
     d.isAnnouncementDeferred = false;
     const QPointer<ZAXFeatObject> feature = made.release();
     d.Announce();
-    return feature;
+    return feature && !ZAXFeatObjectPrivate::Get(*feature).isAside ? feature.data() : nullptr;
 }
 
 QList<ZAXFeatObject*> ZAXFeatContainer::GetRoots() const

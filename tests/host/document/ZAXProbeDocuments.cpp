@@ -56,7 +56,8 @@ ZAXProbeDocumentFile::ZAXProbeDocumentFile(const QList<Class>& classes, quint64 
               Number32(static_cast<quint32>(classes.size())))
 {
     for (const Class& entry : classes)
-        m_bytes += Number32(static_cast<quint32>(entry.name.size())) + entry.name + Number32(entry.version);
+        m_bytes += Number32(static_cast<quint32>(entry.name.size())) + entry.name + Number32(entry.version) +
+                   Number32(static_cast<quint32>(entry.base));
     m_bytes += Number32(Crc32(m_bytes));
 }
 

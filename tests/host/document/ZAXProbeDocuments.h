@@ -9,11 +9,12 @@
 class ZAXProbeDocumentFile
 {
 public:
-    /// The classes of the file, each with its version.
+    /// The classes of the file, each with its version and the index of its base.
     struct Class
     {
         QByteArray name;
         quint32 version = 1;
+        qint32 base = -1;
     };
 
     struct Object
