@@ -45,7 +45,8 @@ ZAXHostResult ZAXHostDocumentLock::Lock(const QString& path)
     }
     if (file->error() != QLockFile::LockFailedError)
         return ZAXHostResult::Failed(
-            Tr("No lock can be made beside the document %1.").arg(QDir::toNativeSeparators(path)));
+            Tr("No lock can be made beside %1: the folder takes no new file, or the disk is full.")
+                .arg(QDir::toNativeSeparators(path)));
     qint64 process = 0;
     QString host;
     QString application;
