@@ -15,7 +15,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -239,7 +238,7 @@ void tst_saving::failingOperation()
     QVERIFY(!result);
     QVERIFY(result.GetMessage().startsWith(
         QStringLiteral("The document %1 cannot be saved: ").arg(QDir::toNativeSeparators(path))));
-    QVERIFY(result.GetMessage().endsWith(QString::fromLocal8Bit(std::strerror(error))));
+    QVERIFY(result.GetMessage().endsWith(qt_error_string(error)));
     QCOMPARE(ReadFile(path), isNew ? newBytes : oldBytes);
     QCOMPARE(Entries(folder->path()), entries);
     QVERIFY(document->IsModified());
