@@ -15,6 +15,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 
 #include <sys/stat.h>
 #include <sys/wait.h>
