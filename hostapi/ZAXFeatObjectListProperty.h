@@ -134,17 +134,15 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatObjectListProperty<T
     return stream;
 }
 
-/// Replaces the list by a stored one, with notification. A reference that maps to an invalid one gives a null item.
-/// Where the stream ends too early or is damaged, its status says so and the list keeps what was read.
-/// \throws ZAXGeoGeometryNotFoundException for a valid reference that does not lead to a T.
+/// Replaces the list by a stored one, with notification; a count below 1 is an empty list. A reference that maps to an
+/// invalid one gives a null item. Where the stream ends too early or is damaged, its status says so and the list keeps
+/// what was read. \throws ZAXGeoGeometryNotFoundException for a valid reference that does not lead to a T.
 template <typename T>
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& list)
 {
     list.Clear(false);
     qint32 count = 0;
     stream.GetDataStream() >> count;
-    if (count < 0)
-        stream.GetDataStream().setStatus(QDataStream::ReadCorruptData);
     const ZAXGeoContainer* const container = stream.GetContainer();
     for (qint32 i = 0; i < count; ++i) {
         ZAXGeoGeometryRef stored;

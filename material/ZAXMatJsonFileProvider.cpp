@@ -130,19 +130,16 @@ bool Resize(QFile& file, qint64 size)
 }
 
 /// Overwrites the file, which must be unbuffered, by \a text. False, with the reason logged, when that fails; the file
-/// is as it was before then, unless the system does not even take that back.
+/// holds what it held before then, unless the system does not even take that back.
 bool WriteInPlace(QFile& file, const QByteArray& text)
 {
     const QByteArray before = file.readAll();
-    const QDateTime timeBefore = file.fileTime(QFileDevice::FileModificationTime);
     file.seek(0);
     if (WriteAll(file, text) && Resize(file, text.size()))
         return true;
     file.seek(0);
     file.write(before);
     file.resize(before.size());
-    // With another time it would be read again, and the records that could not be written would be lost.
-    file.setFileTime(timeBefore, QFileDevice::FileModificationTime);
     return false;
 }
 
@@ -228,7 +225,7 @@ void ZAXMatJsonFileProviderPrivate::TakeRecords(const QJsonObject& root)
     }
 }
 
-bool ZAXMatJsonFileProviderPrivate::Write() const
+bool ZAXMatJsonFileProviderPrivate::Write()
 {
     const QString path = FilePath();
     const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
@@ -237,8 +234,14 @@ bool ZAXMatJsonFileProviderPrivate::Write() const
         return WriteAside(aside, text);
     // A directory that takes no new file may still hold one that can be written to.
     QFile inPlace(path);
-    if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered))
-        return WriteInPlace(inPlace, text);
+    if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+        const bool wasRead = !mustLoad && inPlace.fileTime(QFileDevice::FileModificationTime) == lastFileTime;
+        const bool isWritten = WriteInPlace(inPlace, text);
+        // The attempt alone gave the file a new time. Read again, it would take the records that are not in it away.
+        if (!isWritten && wasRead)
+            lastFileTime = inPlace.fileTime(QFileDevice::FileModificationTime);
+        return isWritten;
+    }
     Warn("Cannot write", path, aside.errorString());
     return false;
 }

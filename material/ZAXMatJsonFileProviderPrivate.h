@@ -24,7 +24,7 @@ public:
     /// Replaces the tables by what the file holds if that is not what was read last. They stay if it cannot be read.
     void LoadIfChanged();
     /// Replaces the file by the tables. False, with the reason logged, when that fails.
-    bool Write() const;
+    bool Write();
 
     /// Stores \a packaging and links it to its material.
     void AddPackaging(const ZAXMatDefinition& packaging);

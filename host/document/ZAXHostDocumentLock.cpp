@@ -5,14 +5,8 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-
-#include <cerrno>
-#include <cstring>
-
-#include <unistd.h>
 
 namespace {
 
@@ -30,14 +24,6 @@ bool IsAbandoned(const QLockFile& file, const QString& lockPath)
     QString application;
     return file.error() == QLockFile::LockFailedError && !file.getLockInfo(&process, &host, &application) &&
            QFileInfo(lockPath).lastModified().secsTo(QDateTime::currentDateTime()) > writingTakes;
-}
-
-/// Why no file can be made in the folder of \a lockPath.
-QString WhyClosed(const QString& lockPath)
-{
-    const QByteArray folder = QFile::encodeName(QFileInfo(lockPath).absolutePath());
-    const int error = access(folder.constData(), W_OK | X_OK) == 0 ? EIO : errno;
-    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 } // namespace
@@ -58,8 +44,9 @@ ZAXHostResult ZAXHostDocumentLock::Lock(const QString& path)
         return ZAXHostResult::Done();
     }
     if (file->error() != QLockFile::LockFailedError)
-        return ZAXHostResult::Failed(Tr("No lock can be made beside the document %1: %2")
-                                         .arg(QDir::toNativeSeparators(path), WhyClosed(lockPath)));
+        return ZAXHostResult::Failed(
+            Tr("No lock can be made beside %1: the folder takes no new file, or the disk is full.")
+                .arg(QDir::toNativeSeparators(path)));
     qint64 process = 0;
     QString host;
     QString application;

@@ -6,7 +6,6 @@
 #include <QFileInfo>
 
 #include <cerrno>
-#include <cstring>
 
 #include <signal.h>
 #include <sys/stat.h>
@@ -23,7 +22,7 @@ QString Tr(const char* text)
 
 QString LastError()
 {
-    return QString::fromLocal8Bit(std::strerror(errno));
+    return qt_error_string(errno);
 }
 
 QString AsidePrefix(const QFileInfo& target)

@@ -443,7 +443,7 @@ void tst_ZaxmatUse::materialIsFoundInAFolder()
     material->SetDensity(0.5);
     material->SetProviderId(providerId);
     material->SetRemoteKey("steel-2");
-    QVERIFY(document.SaveAs(DocumentPath(workshop)));
+    Workshop::Write(DocumentPath(workshop), document.Encode());
 
     const Run run = Use(workshop, {"steel-2"});
     QVERIFY2(run.out.contains("\nMaterial    Renamed      found            steel-2\n"
@@ -462,7 +462,7 @@ void tst_ZaxmatUse::theRestOfTheDocumentStays()
     workshop.WriteCatalogue(SmallCatalogue());
     ZAXHostDocument before;
     before.GetContainer()->CreateInstance("ZAXFeatFolder", nullptr)->SetLabel("Something else");
-    QVERIFY(before.SaveAs(DocumentPath(workshop)));
+    Workshop::Write(DocumentPath(workshop), before.Encode());
 
     const Run run = Use(workshop, {"steel-2"});
     QVERIFY2(run.out.contains("\n\nSomething else\nMaterials Root\n  Material: "), qUtf8Printable(run.out));

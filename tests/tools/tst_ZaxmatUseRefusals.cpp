@@ -329,7 +329,9 @@ void tst_ZaxmatUseRefusals::fullDiskMakesNoNewDocument()
     const Workshop workshop;
     workshop.WriteCatalogue(SmallCatalogue());
     const Run run = workshop.ZaxmatThrough(Workshop::onFullDisk, UseArguments(workshop, {"steel-2"}));
-    QCOMPARE(run.err, "zaxmat: The document " + DocumentPath(workshop) + " cannot be saved: File too large\n");
+    QCOMPARE(run.err, "zaxmat: The document " + DocumentPath(workshop) +
+                          " cannot be saved: No lock can be made beside " + DocumentPath(workshop) +
+                          ": the folder takes no new file, or the disk is full.\n");
     QCOMPARE(run.code, 3);
     QCOMPARE(Files(workshop), QStringList());
 }
