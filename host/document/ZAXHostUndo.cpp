@@ -42,7 +42,8 @@ public:
 
     bool IsBusy() const
     {
-        return isInTransaction || depth > 0 || isRestoring || ZAXFeatContainerPrivate::Get(*container).signalDepth > 0;
+        return isInTransaction || depth > 0 || isPushing || isRestoring ||
+               ZAXFeatContainerPrivate::Get(*container).signalDepth > 0;
     }
     ZAXHostResult Refusal() const { return ZAXHostResult::Failed(Tr("A change of the document is still under way.")); }
     ZAXHostResult Run(void (QUndoStack::*operation)());

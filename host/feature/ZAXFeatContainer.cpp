@@ -79,6 +79,8 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
                   parent ? parent->metaObject()->className() : "document", className.constData());
         return nullptr;
     }
+    // Outlives what is made: a feature that fails to be initialised takes its children along, and no step is left.
+    const ZAXFeatStep step(this);
     auto made = Construct(type, this, LookThroughFolders(parent));
     // A constructor that was given no parent may not know of the document.
     if (!made || made->GetContainer() != this) {
@@ -88,7 +90,6 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
     auto& d = ZAXFeatObjectPrivate::Get(*made);
     if (made->GetParent() != parent)
         d.AttachTo(parent, -1);
-    const ZAXFeatStep step(this);
     d.isAnnouncementDeferred = true;
     try {
         made->Initialize();

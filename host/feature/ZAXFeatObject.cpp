@@ -179,7 +179,11 @@ void ZAXFeatObject::Remove()
     if (d_ptr->isAside || d_ptr->isLeaving)
         return;
     const ZAXFeatStep step(d_ptr->container);
+    const QPointer<ZAXFeatObject> self = this;
     d_ptr->TakeLeave();
+    // A slot of what took leave may have removed a parent, and this feature with it.
+    if (!self || d_ptr->isAside)
+        return;
     const QPointer<ZAXFeatObject> parent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->SetAside();
@@ -188,7 +192,7 @@ void ZAXFeatObject::Remove()
     if (observer)
         observer->Placed(this, from, {});
     const bool isKept = observer && observer->KeepsRemoved();
-    const auto discard = qScopeGuard([isKept, self = QPointer<ZAXFeatObject>(this)] {
+    const auto discard = qScopeGuard([isKept, self] {
         if (self && self->d_ptr->isAside && !isKept)
             self->d_ptr->Discard();
     });
@@ -265,7 +269,7 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
     const ZAXFeatPlace to = d_ptr->Place();
     if (auto* const observer = d_ptr->Observer(); observer && d_ptr->isAnnounced && from != to)
         observer->Placed(this, from, to);
-    if (oldParent != parent) {
+    if (oldParent != parent && d_ptr->isAnnounced) {
         d_ptr->RaiseRemoved(oldParent);
         // A slot may have done away with the feature, or taken it elsewhere.
         if (self && GetParent() == parent)

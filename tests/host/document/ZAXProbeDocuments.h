@@ -31,7 +31,7 @@ public:
     };
 
     /// Starts with a header whose document id is 00000000-0000-0000-0000-00000000abcd.
-    explicit ZAXProbeDocumentFile(const QList<Class>& classes = {{"ZAXProbePart", 2}}, quint64 lastId = 1000,
+    explicit ZAXProbeDocumentFile(const QList<Class>& classes = {Class{"ZAXProbePart", 2, -1}}, quint64 lastId = 1000,
                                   quint16 leastReader = 1, quint16 format = 1);
 
     ZAXProbeDocumentFile& Add(const Object& object);

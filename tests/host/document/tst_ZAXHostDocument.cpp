@@ -559,11 +559,6 @@ void tst_ZAXHostDocument::objectThatCannotBeMadeIsKept_data()
             QByteArray& payload = image.records[4].payload;
             payload.replace(payload.size() - 8, 4, "\x7f\xff\xff\xff");
         });
-    add("list with a negative count", unreadable.arg(QStringLiteral("5"), QStringLiteral("ZAXProbePart")),
-        [](Image& image) {
-            QByteArray& payload = image.records[4].payload;
-            payload.replace(payload.size() - 8, 8, "\xff\xff\xff\xff");
-        });
     add("class that reads more than there is", unreadable.arg(QStringLiteral("6"), QStringLiteral("GreedyFeature")),
         [](Image& image) { Derive(image.records[5], image, "GreedyFeature"); });
     add("class that reads less than there is", unreadable.arg(QStringLiteral("6"), QStringLiteral("ModestFeature")),

@@ -46,14 +46,16 @@ ZAXProbePart::~ZAXProbePart()
 void ZAXProbePart::Save(ZAXGeoStream& stream) const
 {
     ZAXFeatObject::Save(stream);
-    stream << name << length << ZAXGeoGeometryRef(partner.GetPointedObject()) << companions;
+    stream << name << length << partner.GetReference() << companions;
 }
 
 void ZAXProbePart::Load(ZAXGeoStream& stream)
 {
     ZAXFeatObject::Load(stream);
-    stream >> name >> length >> m_loadedPartner >> companions;
-    m_loadedPartner = stream.GetMappedReference(m_loadedPartner);
+    ZAXGeoGeometryRef stored;
+    stream >> name >> length >> stored >> companions;
+    m_loadedPartner = stream.GetMappedReference(stored);
+    m_storedPartner = stream.MapReference(stored);
     Note("Load");
 }
 
@@ -79,6 +81,8 @@ void ZAXProbePart::EndStateLoad()
 {
     ZAXFeatObject::EndStateLoad();
     partner.SetPointedObject(qobject_cast<ZAXProbePart*>(GetContainer()->GetGeometryByRef(m_loadedPartner)), false);
+    if (!partner.GetObject())
+        partner.SetUnavailableReference(m_storedPartner);
     Note("EndStateLoad");
 }
 

@@ -67,6 +67,8 @@ private:
     void Note(const char* what) const;
 
     ZAXGeoGeometryRef m_loadedPartner;
+    /// What the partner was, be it there or not.
+    ZAXGeoGeometryRef m_storedPartner;
 };
 
 /// A kind of part, with no class information of its own.

@@ -29,7 +29,12 @@ struct Node
     QList<quint64> links;
     QList<quint64> children;
 
-    friend bool operator==(const Node&, const Node&) = default;
+    friend bool operator==(const Node& a, const Node& b)
+    {
+        // Not the operator of QList, which hands null pointers to memcmp() for empty lists.
+        return a.label == b.label && a.isVisible == b.isVisible && a.text == b.text && a.link == b.link &&
+               std::ranges::equal(a.links, b.links) && std::ranges::equal(a.children, b.children);
+    }
 };
 
 /// A document of parts as a value. The children of 0 are the parts at the top.
