@@ -22,10 +22,10 @@ public:
     /// Creates a feature of the registered class named \a className as the last child of \a parent, or at the top for
     /// a null parent, through its invokable constructor (ZAXFeatObject*), at the top also (ZAXFeatContainer*). Runs
     /// Initialize(), then the parent raises ChildAdded().
-    /// Returns null, with the reason logged, for an unknown class or one without such a constructor, and for what the
-    /// parent's IsChildAllowed() refuses; also when a slot of ChildAdded() has removed the feature at once. An
-    /// exception of the class's constructor or Initialize() passes through and leaves nothing behind; one of a slot
-    /// passes through and leaves the feature in its place.
+    /// Returns null, with the reason logged, for an unknown class or one without such a constructor, for a parent that
+    /// was removed, and for what the parent's IsChildAllowed() refuses; also when a slot of ChildAdded() has removed
+    /// the feature at once. An exception of the class's constructor or Initialize() passes through and leaves nothing
+    /// behind; one of a slot passes through and leaves the feature in its place.
     ZAXFeatObject* CreateInstance(const QByteArray& className, ZAXFeatObject* parent);
 
     /// The features without a parent, in order.

@@ -92,7 +92,8 @@ public:
     /// Takes the feature out of the document: clears every property outside that points into its subtree, calls
     /// Cleanup() throughout the subtree, takes the feature out of the tree, has the parent raise ChildRemoved() while
     /// the feature is still whole, and deletes it and all below it, or leaves that to the last
-    /// ZAXGeoGeometry::RemoveReference() of each. A second call does nothing.
+    /// ZAXGeoGeometry::RemoveReference() of each. A second call does nothing. Called from within a change or a signal
+    /// of a feature of the document, it leaves the deletion to the event loop.
     /// An exception from a slot passes through: up to Cleanup() it leaves the feature where it is, from ChildRemoved()
     /// on the feature is gone.
     virtual void Remove();

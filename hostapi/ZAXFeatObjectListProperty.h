@@ -44,15 +44,10 @@ public:
 
     /// Appends \a object, which may be null: the change is closed as \a silent says, then the added signal is raised,
     /// silent or not.
-    void Add(T* object, bool silent)
-    {
-        ZAXFeatPropertyChange change(*this);
-        auto item = std::make_unique<Item>(this);
-        item->SetPointedObject(object, silent);
-        m_items.push_back(std::move(item));
-        change.EndModify(silent);
-        Emit(m_addedSignal, object, QLatin1String("added"));
-    }
+    void Add(T* object, bool silent) { Append(object, {}, silent); }
+
+    /// Add() for a null item in the place of an object that could not be brought along: it is stored as \a reference.
+    void AddUnavailable(const ZAXGeoGeometryRef& reference, bool silent) { Append(nullptr, reference, silent); }
 
     /// Takes \a item out, raises the removed signal, silent or not, destroys the item and closes the change as
     /// \a silent says.
@@ -101,6 +96,17 @@ public:
 
 private:
     using Items = std::vector<std::unique_ptr<Item>>;
+
+    void Append(T* object, const ZAXGeoGeometryRef& unavailable, bool silent)
+    {
+        ZAXFeatPropertyChange change(*this);
+        auto item = std::make_unique<Item>(this);
+        item->SetPointedObject(object, silent);
+        item->SetUnavailableReference(unavailable);
+        m_items.push_back(std::move(item));
+        change.EndModify(silent);
+        Emit(m_addedSignal, object, QLatin1String("added"));
+    }
 
     void Take(typename Items::iterator position)
     {
@@ -154,9 +160,10 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& lis
         T* const object = container ? qobject_cast<T*>(container->GetGeometryByRef(reference)) : nullptr;
         if (!object && reference.IsValid())
             throw ZAXGeoGeometryNotFoundException(reference);
-        list.Add(object, false);
-        if (!object && !list.GetItems().isEmpty())
-            list.GetItems().constLast()->SetUnavailableReference(stream.MapReference(stored));
+        if (object)
+            list.Add(object, false);
+        else
+            list.AddUnavailable(stream.MapReference(stored), false);
     }
     return stream;
 }

@@ -46,7 +46,8 @@ public:
     virtual void Load(ZAXGeoStream& stream);
     /// Called once after a new geometry is made and attached, never after a load or a duplication.
     virtual void Initialize();
-    /// Sets up what no stream carries: called once after Initialize(), or after a load before EndStateLoad().
+    /// Sets up what no stream carries: called within Initialize(), or after a load before EndStateLoad(), and again
+    /// whenever undo brings a removed geometry back.
     virtual void InitializeNonStreamed();
     /// Called before Load().
     virtual void BeginStateLoad();
@@ -56,7 +57,8 @@ public:
     /// \throws ZAXSysException when \a state cannot be read. What is no state at all changes nothing; of one whose
     /// fields are damaged the geometry keeps what was read, and EndStateLoad() is not called.
     virtual void SetCurrentState(const QByteArray& state);
-    /// Takes leave of whatever the geometry keeps outside itself; called while it is whole, before it is removed.
+    /// Takes leave of whatever the geometry keeps outside itself; called while it is whole, before each removal, be it
+    /// by undo or redo. Not called when the document is closed.
     virtual void Cleanup();
 
     /// What Save() writes, references included, for SetCurrentState().

@@ -6,6 +6,8 @@
 #include "ZAXMatPackaging.h"
 #include "ZAXMatRoot.h"
 
+#include <QSet>
+
 #include <utility>
 
 const char ZAXMatMaterial::Property_materialId[] = "materialId";
@@ -252,7 +254,7 @@ ZAXMatPackaging* ZAXMatMaterial::CreateDefaultPackaging()
     const QList<ZAXMatPackaging*> active = GetActivePackaging();
     if (!active.isEmpty())
         return active.constFirst();
-    // Making the packaging and activating it is one undoable change.
+    // Changes of a feature nest, whatever property they are of: making the packaging and activating it is one step.
     Q_D(ZAXMatMaterial);
     const ZAXFeatPropertyChange change(d->materialExtensions);
     auto* const packaging = new ZAXMatPackaging(this);
@@ -327,6 +329,9 @@ void ZAXMatMaterial::Load(ZAXGeoStream& stream)
 
 void ZAXMatMaterial::Initialize()
 {
+    Q_D(ZAXMatMaterial);
+    // The material comes with its id, as one change.
+    const ZAXFeatPropertyChange change(d->materialId);
     ZAXFeatObject::Initialize();
     UpdateMaterialId();
 }
@@ -381,10 +386,10 @@ QString ZAXMatMaterial::NewCopyId() const
 {
     const QString id = GetMaterialId();
     const QString copy = tr("Copy");
-    QStringList taken;
+    QSet<QString> taken;
     if (const ZAXFeatObject* const parent = GetParent()) {
         for (const ZAXMatMaterial* material : ZAXMatFeatures::Only<ZAXMatMaterial>(parent->GetChildren()))
-            taken.append(material->GetMaterialId());
+            taken.insert(material->GetMaterialId());
     }
     QString candidate = QString(QLatin1String("%1 (%2)")).arg(id, copy);
     for (int n = 2; taken.contains(candidate); ++n)

@@ -33,14 +33,6 @@ bool IsBelowAnyOf(const ZAXFeatObject* feature, const QList<ZAXFeatObject*>& fea
     return false;
 }
 
-QHash<QByteArray, int> VersionsOf(const QList<ZAXHostDocumentClass>& chain)
-{
-    QHash<QByteArray, int> versions;
-    for (const ZAXHostDocumentClass& type : chain)
-        versions.insert(type.name, type.version);
-    return versions;
-}
-
 /// Makes the objects of an image under a feature, with new ids.
 class Paster
 {
@@ -115,7 +107,7 @@ private:
             placeholder->SetObject(chain, record.payload, references, ZAXHostDocumentImager::WhyUnavailable(chain, {}));
             return;
         }
-        m_loader.SetVersions(VersionsOf(chain));
+        m_loader.SetVersions(m_image.GetVersions(record.classIndex));
         m_loader.Load(feature, record.payload, record.references);
     }
 
@@ -151,6 +143,8 @@ ZAXHostResult ZAXHostClipboard::Paste(const QByteArray& bytes, ZAXFeatObject* pa
         return result;
     if (!image.damages.isEmpty())
         return ZAXHostResult::Failed(image.damages.constFirst().message);
+    if (ZAXFeatObjectPrivate::Get(*parent).isAside)
+        return ZAXHostResult::Failed(Tr("%1 was removed.").arg(parent->GetLabel()));
     Paster paster(image, parent);
     try {
         const ZAXFeatStep step(ZAXFeatObjectPrivate::Get(*parent).container);

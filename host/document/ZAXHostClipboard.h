@@ -20,7 +20,8 @@ ZAXHOST_EXPORT QByteArray Copy(const QList<ZAXFeatObject*>& features);
 /// Makes the features of \a bytes under \a parent, behind its children, as one undoable step, and gives them in
 /// \a pasted. They get ids of this document; references among them point to the new ones, and references to anything
 /// else lead nowhere, with a message in \a problems. What this program cannot make becomes a placeholder.
-/// Fails, and changes nothing, for bytes that are not what Copy() gives and for what \a parent does not allow.
+/// Fails, and changes nothing, for bytes that are not what Copy() gives for what \a parent does not allow,
+/// and for one that was removed.
 ZAXHOST_EXPORT ZAXHostResult Paste(const QByteArray& bytes, ZAXFeatObject* parent, QList<ZAXFeatObject*>& pasted,
                                    QList<ZAXHostProblem>& problems);
 

@@ -4,6 +4,7 @@
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObject.h"
 #include "ZAXGeoContainerPrivate.h"
+#include "ZAXGeoGeometryPrivate.h"
 #include "ZAXHostDocumentImager.h"
 #include "ZAXHostDocumentLock.h"
 #include "ZAXHostFileSaver.h"
@@ -30,6 +31,12 @@ QString Tr(const char* text)
 bool IsSameFile(const QString& a, const QString& b)
 {
     return !a.isEmpty() && ZAXHostFileSaver::TargetOf(a) == ZAXHostFileSaver::TargetOf(b);
+}
+
+QString LabelOf(const ZAXGeoGeometry* geometry)
+{
+    const auto* const feature = qobject_cast<const ZAXFeatObject*>(geometry);
+    return feature ? feature->GetLabel() : QString::fromUtf8(geometry->metaObject()->className());
 }
 
 /// Writes all of \a bytes, again and again: a device that takes a part of them does not say why, one that takes
@@ -313,6 +320,13 @@ ZAXHostResult ZAXHostDocument::ConvertToPlaceholders(const QList<const QMetaObje
 {
     if (d_ptr->undo.IsBusy())
         return ZAXHostResult::Failed(Tr("A change of the document is still under way."));
+    const auto& index = ZAXGeoContainerPrivate::Get(*d_ptr->container);
+    const auto geometries = index.geometries.values() + index.aside.values();
+    const auto held = std::ranges::find_if(geometries, [](const ZAXGeoGeometry* geometry) {
+        return ZAXGeoGeometryPrivate::Get(*geometry).references > 0;
+    });
+    if (held != geometries.end())
+        return ZAXHostResult::Failed(Tr("%1 is still in use.").arg(LabelOf(*held)));
     QSet<QByteArray> retired;
     for (const QMetaObject* type : types) {
         const auto instances = GetInstances(type);

@@ -84,7 +84,7 @@ public:
     QList<ZAXFeatObject*> GetInstances(const QMetaObject* type) const;
     /// Makes placeholders of all features of the classes \a types and those derived from them, so that their module
     /// can leave, and forgets all steps of undo. The document's bytes stay as they are; the container is replaced.
-    /// Refused while the document's undo is busy.
+    /// Refused while the document's undo is busy, and while somebody holds a reference count on a feature.
     ZAXHostResult ConvertToPlaceholders(const QList<const QMetaObject*>& types);
 
 private:

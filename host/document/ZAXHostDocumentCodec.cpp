@@ -387,6 +387,15 @@ QList<ZAXHostDocumentClass> ZAXHostDocumentImage::GetChain(quint32 index) const
     return chain;
 }
 
+QHash<QByteArray, int> ZAXHostDocumentImage::GetVersions(quint32 index) const
+{
+    QHash<QByteArray, int> versions;
+    const auto chain = GetChain(index);
+    for (const ZAXHostDocumentClass& type : chain)
+        versions.insert(type.name, type.version);
+    return versions;
+}
+
 QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
 {
     Writer writer;

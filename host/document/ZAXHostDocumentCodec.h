@@ -64,6 +64,8 @@ struct ZAXHOST_EXPORT ZAXHostDocumentImage
     quint32 AddClass(const QList<ZAXHostDocumentClass>& chain);
     /// The class at \a index and its bases, most derived class first.
     QList<ZAXHostDocumentClass> GetChain(quint32 index) const;
+    /// The versions of these, by their names.
+    QHash<QByteArray, int> GetVersions(quint32 index) const;
 };
 
 /// The bytes of a document file. The format is described in docs/formats.md.

@@ -28,14 +28,6 @@ QList<ZAXHostDocumentClass> ChainOf(const QMetaObject* type)
     return chain;
 }
 
-QHash<QByteArray, int> VersionsOf(const QList<ZAXHostDocumentClass>& chain)
-{
-    QHash<QByteArray, int> versions;
-    for (const ZAXHostDocumentClass& type : chain)
-        versions.insert(type.name, type.version);
-    return versions;
-}
-
 class Adder
 {
 public:
@@ -179,7 +171,7 @@ private:
         if (!m_live.contains(ZAXGeoGeometryRef(feature)))
             return;
         try {
-            loader.SetVersions(VersionsOf(m_image.GetChain(record.classIndex)));
+            loader.SetVersions(m_image.GetVersions(record.classIndex));
             loader.Load(feature, record.payload, record.references);
         } catch (const std::exception& exception) {
             Refuse(record.id, QString::fromUtf8(exception.what()));
@@ -237,9 +229,9 @@ QString ZAXHostDocumentImager::WhyUnavailable(const QList<ZAXHostDocumentClass>&
     const QMetaObject* type = ZAXGeoContainer::FindType(chain.constFirst().name);
     if (!type || retired.contains(chain.constFirst().name))
         return Tr("no loaded module provides the class.");
-    const auto versions = VersionsOf(chain);
     for (; type && type != &QObject::staticMetaObject; type = type->superClass()) {
-        const int stored = versions.value(type->className(), 1);
+        const auto saved = std::ranges::find(chain, QByteArray(type->className()), &ZAXHostDocumentClass::name);
+        const int stored = saved != chain.end() ? saved->version : 1;
         const int current = ZAXGeoStream::GetCurrentVersion(type);
         if (stored > current)
             return Tr("it was saved by a newer program (version %1 of %2, this program knows version %3).")

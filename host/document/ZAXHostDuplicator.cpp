@@ -26,6 +26,10 @@ qsizetype PlaceBehind(const ZAXFeatObject* source)
 
 ZAXFeatObject* ZAXHostDuplicator::Duplicate(ZAXFeatObject* source)
 {
+    if (ZAXFeatObjectPrivate::Get(*source).isAside) {
+        qCWarning(logDuplicator, "%s is not duplicated: it was removed.", qUtf8Printable(source->GetLabel()));
+        return nullptr;
+    }
     ZAXFeatContainer* const container = ZAXFeatObjectPrivate::Get(*source).container;
     const ZAXFeatStep step(container);
     ZAXHostStateLoader loader(container);

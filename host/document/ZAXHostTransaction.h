@@ -27,7 +27,8 @@ public:
     /// Closes the transaction and puts its step on the stack, unless nothing changed. Fails, and leaves everything as
     /// it is, for a transaction that is not open, or while a change is under way.
     ZAXHostResult Commit();
-    /// Closes the transaction and takes all its changes back. Fails like Commit().
+    /// Closes the transaction and takes all its changes back. Fails like Commit(), and when a feature does not take
+    /// its former state: all others have theirs then, and the document counts as changed until it is saved.
     ZAXHostResult Rollback();
 
 private:

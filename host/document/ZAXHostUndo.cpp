@@ -42,6 +42,8 @@ public:
 
     bool IsBusy() const
     {
+        if (!container)
+            return false;
         return isInTransaction || depth > 0 || isPushing || isRestoring ||
                ZAXFeatContainerPrivate::Get(*container).signalDepth > 0;
     }
@@ -52,8 +54,8 @@ public:
     ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
-    /// Takes what was recorded back.
-    void RollBackRecorded();
+    /// Takes what was recorded back. Fails when a feature does not take its former state.
+    ZAXHostResult RollBackRecorded();
     /// Does \a step in \a direction, or leaves everything as it is and throws.
     void Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
     /// Takes back what slots changed while \a step was done in \a direction.
@@ -148,7 +150,12 @@ void ZAXHostUndoPrivate::EndStep()
 {
     if (--depth > 0 || isInTransaction || isRestoring)
         return;
-    PushRecorded(QString());
+    // The end of a change may come in the course of an exception.
+    try {
+        PushRecorded(QString());
+    } catch (const std::exception& exception) {
+        qCWarning(logUndo, "A change was recorded, but not told of: %s", exception.what());
+    }
 }
 
 void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
@@ -192,19 +199,28 @@ void ZAXHostUndoPrivate::PushRecorded(const QString& text)
         const auto pushed = qScopeGuard([this] { isPushing = false; });
         stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
     }
+    if (!step.IsComplete())
+        stack.resetClean();
     FreeDiscarded();
 }
 
-void ZAXHostUndoPrivate::RollBackRecorded()
+ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
 {
     const ZAXHostUndoStep step = Take(recorded);
+    bool isRestored = step.IsComplete();
     if (!step.IsEmpty()) {
         const Restoring restoring(*this, step);
         step.TakeBack(*container, ZAXHostUndoStep::Forth, step.placings.size());
         TakeForeignBack(step, ZAXHostUndoStep::Back);
+        isRestored = isRestored && step.IsRestored(*container, ZAXHostUndoStep::Back);
         Discard(step.Keeps(ZAXHostUndoStep::Back));
     }
     FreeDiscarded();
+    if (isRestored)
+        return ZAXHostResult::Done();
+    // What is there now is neither what was saved nor what a step leads to.
+    stack.resetClean();
+    return ZAXHostResult::Failed(Tr("An object of the document does not take its former state."));
 }
 
 void ZAXHostUndoPrivate::TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
@@ -233,8 +249,11 @@ void ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::D
         TakeForeignBack(step, direction);
     } catch (const std::exception& exception) {
         qCWarning(logUndo, "A state could not be restored: %s", exception.what());
+        const auto back = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
         step.TakeBack(*container, direction, placed);
-        TakeForeignBack(step, direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth);
+        TakeForeignBack(step, back);
+        if (!step.IsRestored(*container, back))
+            stack.resetClean();
         throw;
     }
 }
@@ -311,7 +330,11 @@ ZAXHostResult ZAXHostUndo::Redo()
 
 ZAXHostResult ZAXHostUndo::Clear()
 {
-    return d_ptr->Run(&QUndoStack::clear);
+    const bool wasClean = d_ptr->stack.isClean();
+    const auto result = d_ptr->Run(&QUndoStack::clear);
+    if (result && !wasClean)
+        d_ptr->stack.resetClean();
+    return result;
 }
 
 ZAXHostTransaction::ZAXHostTransaction(ZAXHostUndo& undo, const QString& text)
@@ -358,7 +381,5 @@ ZAXHostResult ZAXHostTransaction::Commit()
 ZAXHostResult ZAXHostTransaction::Rollback()
 {
     const auto result = Close();
-    if (result)
-        m_undo->d_ptr->RollBackRecorded();
-    return result;
+    return result ? m_undo->d_ptr->RollBackRecorded() : result;
 }

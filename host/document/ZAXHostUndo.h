@@ -22,14 +22,14 @@ class ZAXHostUndoPrivate;
 class ZAXHOST_EXPORT ZAXHostUndo
 {
 public:
-    /// Records the changes of \a container, which must outlive this.
+    /// Records the changes of \a container, which must outlive this; null for none.
     explicit ZAXHostUndo(ZAXFeatContainer* container);
     /// Frees what waits aside.
     ~ZAXHostUndo();
     ZAXHostUndo(const ZAXHostUndo&) = delete;
     ZAXHostUndo& operator=(const ZAXHostUndo&) = delete;
 
-    /// Forgets all steps and records the changes of \a container instead.
+    /// Forgets all steps and records the changes of \a container, which may be null, instead.
     void SetContainer(ZAXFeatContainer* container);
 
     /// The stack, for actions, a view, the clean mark and the limit. Its own undo(), redo() and setIndex() throw a
@@ -41,11 +41,12 @@ public:
     bool IsBusy() const;
 
     /// Takes the last step back; done, and nothing happens, when there is none. Fails as well when a feature does
-    /// not take its former state: the document and the stack are then as before.
+    /// not take its former state: the document and the stack are then as before. Should a feature not take that state
+    /// back either, the document counts as changed until it is saved.
     ZAXHostResult Undo();
     /// Does again what Undo() took back last; done, and nothing happens, when there is nothing to.
     ZAXHostResult Redo();
-    /// Forgets all steps; the present state counts as clean.
+    /// Forgets all steps; what was not clean is so until it is saved.
     ZAXHostResult Clear();
 
 private:

@@ -45,11 +45,13 @@ public:
     void AddPlacing(const ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to);
     /// Forgets a feature that is destroyed.
     void Forget(quint64 id);
-    /// Adds the states after the last change and drops what is as before. Gives the features that came and went again
-    /// in a step which did nothing else to the tree: nothing can bring them back.
+    /// Adds the states after the last change and drops what is as before, ways that lead back among it. Gives the
+    /// features that came and went again in a step which did nothing else to the tree: nothing can bring them back.
     QList<quint64> Close(const ZAXFeatContainer& container);
 
     bool IsEmpty() const { return placings.isEmpty() && states.isEmpty(); }
+    /// False when Close() did not get the state of a feature: the step cannot restore that.
+    bool IsComplete() const { return isComplete; }
     bool HasState(quint64 id) const { return stateIndex.contains(id); }
     /// What the step does, in the user's words.
     QString Describe(const ZAXFeatContainer& container) const;
@@ -59,8 +61,11 @@ public:
     /// \throws what a feature or a slot throws, half-way: TakeBack() with \a placed mends that.
     void Apply(ZAXFeatContainer& container, Direction direction, qsizetype& placed) const;
     /// Reverses what Apply() in \a direction did, as far as it got. Goes on whatever throws: a feature whose state
-    /// cannot be restored because of a slot gets it without signals. \a Silently raises none at all.
+    /// cannot be restored because of a slot gets it without signals. \a Silently raises none at all. IsRestored() tells
+    /// what came of it.
     void TakeBack(ZAXFeatContainer& container, Direction direction, qsizetype placed, Voice voice = Aloud) const;
+    /// Whether all features have their states from before the step, or after it.
+    bool IsRestored(const ZAXFeatContainer& container, Direction direction) const;
     /// Restores the states once more that slots changed since Apply(), as TakeBack() does; false when there were none.
     bool Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const;
     /// Adds the states of \a other, none of which this step has.
@@ -76,12 +81,16 @@ public:
     static ZAXFeatObject* Find(const ZAXFeatContainer& container, quint64 id);
 
 private:
-    struct Arrival;
+    class Placer;
     /// The placing that is the \a number-th in \a direction.
     const Placing& PlacingAt(qsizetype number, Direction direction) const;
-    static void Put(ZAXFeatContainer& container, const Placing& placing, Direction direction, Voice voice,
-                    QList<Arrival>& arrivals);
-    bool CameInStep(quint64 id) const;
+    bool CameInStep(quint64 id) const { return cameInStep.value(id, false); }
+    /// Joins what one feature did in a row, and drops it when it led back. Adds those that are gone then to \a gone.
+    void JoinPlacings(QList<quint64>& gone);
+
+    /// For each feature that was placed, whether it was not in the tree before.
+    QHash<quint64, bool> cameInStep;
+    bool isComplete = true;
 };
 
 #endif

@@ -1,6 +1,8 @@
 #ifndef ZAXFEATCHANGEOBSERVER_H
 #define ZAXFEATCHANGEOBSERVER_H
 
+// Private to the host: may change without notice.
+
 #include <QtGlobal>
 
 class ZAXFeatObject;

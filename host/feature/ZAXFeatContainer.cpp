@@ -40,8 +40,11 @@ void ZAXFeatContainerPrivate::DestroyAll()
 }
 
 ZAXFeatStep::ZAXFeatStep(ZAXFeatContainer* container)
-    : m_observer(container ? ZAXFeatContainerPrivate::Get(*container).observer : nullptr)
+    : m_container(container ? &ZAXFeatContainerPrivate::Get(*container) : nullptr),
+      m_observer(m_container ? m_container->observer : nullptr)
 {
+    if (m_container)
+        ++m_container->openOperations;
     if (m_observer)
         m_observer->BeginStep();
 }
@@ -50,6 +53,8 @@ ZAXFeatStep::~ZAXFeatStep()
 {
     if (m_observer)
         m_observer->EndStep();
+    if (m_container)
+        --m_container->openOperations;
 }
 
 ZAXFeatContainer::ZAXFeatContainer(QObject* parent)
@@ -72,6 +77,10 @@ ZAXFeatObject* ZAXFeatContainer::CreateInstance(const QByteArray& className, ZAX
     }
     if (parent && parent->GetContainer() != this) {
         qCWarning(logFeature, "A %s cannot be created under a parent of another document.", className.constData());
+        return nullptr;
+    }
+    if (parent && ZAXFeatObjectPrivate::Get(*parent).isAside) {
+        qCWarning(logFeature, "A %s cannot be created under a parent that was removed.", className.constData());
         return nullptr;
     }
     if (parent ? !parent->IsChildAllowed(type) : !ZAXFeatObjectPrivate::MayStandAtTop(type)) {

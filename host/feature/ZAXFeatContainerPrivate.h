@@ -30,11 +30,13 @@ public:
     ZAXFeatChangeObserver* observer = nullptr;
     /// How many signals about changes are being raised, one within another.
     int signalDepth = 0;
+    /// How many changes of features and steps are open. A feature that is removed meanwhile may still be at work.
+    int openOperations = 0;
     /// Former states are being restored: nobody chose the values that are set now.
     bool isRestoring = false;
 };
 
-/// A step of the container's observer, if it has one.
+/// An operation on features of a container: a step of its observer, if it has one.
 class ZAXFEATURE_EXPORT ZAXFeatStep
 {
 public:
@@ -45,6 +47,7 @@ public:
     ZAXFeatStep& operator=(const ZAXFeatStep&) = delete;
 
 private:
+    ZAXFeatContainerPrivate* m_container;
     ZAXFeatChangeObserver* m_observer;
 };
 

@@ -66,6 +66,8 @@ ZAXFeatObject::ZAXFeatObject(ZAXFeatContainer* container, ZAXFeatObject* parent)
 {
     if (parent && parent->GetContainer() != container)
         throw ZAXSysException(QLatin1String("The parent belongs to another document."));
+    if (parent && ZAXFeatObjectPrivate::Get(*parent).isAside)
+        throw ZAXSysException(QLatin1String("The parent was removed."));
     d_ptr->AttachTo(parent, -1);
 }
 
@@ -178,6 +180,7 @@ void ZAXFeatObject::Remove()
 {
     if (d_ptr->isAside || d_ptr->isLeaving)
         return;
+    const bool isInUse = d_ptr->IsContainerAtWork();
     const ZAXFeatStep step(d_ptr->container);
     const QPointer<ZAXFeatObject> self = this;
     d_ptr->TakeLeave();
@@ -192,8 +195,13 @@ void ZAXFeatObject::Remove()
     if (observer)
         observer->Placed(this, from, {});
     const bool isKept = observer && observer->KeepsRemoved();
-    const auto discard = qScopeGuard([isKept, self] {
-        if (self && self->d_ptr->isAside && !isKept)
+    // Whoever called from within a change or a signal of the feature goes on with it afterwards.
+    const auto discard = qScopeGuard([isKept, isInUse, self] {
+        if (!self || !self->d_ptr->isAside || isKept)
+            return;
+        if (isInUse)
+            self->d_ptr->DiscardLater();
+        else
             self->d_ptr->Discard();
     });
     if (d_ptr->isAnnounced)
@@ -275,7 +283,7 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
         if (self && GetParent() == parent)
             d_ptr->RaiseAdded(parent);
     }
-    if (self)
+    if (self && !d_ptr->isAside)
         PostMove(oldParent, static_cast<int>(from.index));
     return true;
 }

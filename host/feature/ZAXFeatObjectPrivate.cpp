@@ -84,9 +84,21 @@ void ZAXFeatObjectPrivate::TakeLeave()
     isLeaving = true;
     const auto done = qScopeGuard([this] { isLeaving = false; });
     ReleasePointers();
+    CleanupSubtree();
+}
+
+void ZAXFeatObjectPrivate::CleanupSubtree()
+{
     const auto subtree = Subtree();
     for (ZAXFeatObject* feature : subtree)
         feature->Cleanup();
+}
+
+void ZAXFeatObjectPrivate::SetUpSubtree()
+{
+    const auto subtree = Subtree();
+    for (ZAXFeatObject* feature : subtree)
+        feature->InitializeNonStreamed();
 }
 
 bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
@@ -106,7 +118,8 @@ ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
     const auto* const siblings = Siblings();
     if (isAside || !siblings)
         return {};
-    return {true, parent ? parent->GetId() : 0, siblings->indexOf(q)};
+    // Most often it is the last one: features come in this order.
+    return {true, parent ? parent->GetId() : 0, siblings->lastIndexOf(q)};
 }
 
 void ZAXFeatObjectPrivate::RaiseAdded(ZAXFeatObject* parent) const
@@ -189,14 +202,38 @@ void ZAXFeatObjectPrivate::Discard()
     }
 }
 
+bool ZAXFeatObjectPrivate::IsContainerAtWork() const
+{
+    if (!container)
+        return false;
+    const auto& d = ZAXFeatContainerPrivate::Get(*container);
+    return d.openOperations > 0 || d.signalDepth > 0;
+}
+
+void ZAXFeatObjectPrivate::DiscardLater()
+{
+    QMetaObject::invokeMethod(
+        q,
+        [this] {
+            if (isAside)
+                Discard();
+        },
+        Qt::QueuedConnection);
+}
+
 void ZAXFeatObjectPrivate::BeginModify()
 {
-    if (openChanges++ > 0)
-        return;
-    if (auto* const observer = Observer()) {
-        observer->BeginStep();
-        observer->AboutToChange(q);
+    if (openChanges == 0) {
+        if (auto* const observer = Observer()) {
+            observer->BeginStep();
+            auto unopened = qScopeGuard([observer] { observer->EndStep(); });
+            observer->AboutToChange(q);
+            unopened.dismiss();
+        }
+        if (container)
+            ++ZAXFeatContainerPrivate::Get(*container).openOperations;
     }
+    ++openChanges;
 }
 
 void ZAXFeatObjectPrivate::EndModify()
@@ -207,6 +244,8 @@ void ZAXFeatObjectPrivate::EndModify()
         return;
     if (auto* const observer = Observer())
         observer->EndStep();
+    if (container)
+        --ZAXFeatContainerPrivate::Get(*container).openOperations;
 }
 
 QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const

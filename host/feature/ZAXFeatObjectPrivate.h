@@ -38,6 +38,10 @@ public:
     ZAXFeatPlace Place() const;
     /// Has the subtree take leave of what is outside it, before it is removed. An exception leaves it in its place.
     void TakeLeave();
+    /// ZAXGeoGeometry::Cleanup() throughout the subtree, parents first.
+    void CleanupSubtree();
+    /// ZAXGeoGeometry::InitializeNonStreamed() throughout the subtree, parents first.
+    void SetUpSubtree();
     /// Has the parent raise ChildAdded(), once in the feature's life.
     void Announce();
     /// Announces \a features of one container, which were not announced before: they are all there when the first
@@ -50,6 +54,11 @@ public:
     void BringBack(ZAXFeatObject* newParent, qsizetype index);
     /// Deletes the feature, which is aside, with its subtree, save what somebody holds a reference count on.
     void Discard();
+    /// Discard() once the event loop has control, unless the feature comes back or is destroyed before.
+    void DiscardLater();
+
+    /// Whether a change or a step is open in the document, or one is being told about.
+    bool IsContainerAtWork() const;
 
     /// Opens a change of the feature's state; changes may nest.
     void BeginModify();

@@ -144,6 +144,7 @@ private slots:
     void copyOfCustomizedMaterialStaysCustomized();
     void copiesDifferInColor();
     void copyLosesItsLinkToTheCatalogue();
+    void copyIsChangedInThisOrder();
     void copyWithoutRemoteKeyKeepsItsProvider();
     void copyListsItsOwnExtensions();
 
@@ -1078,6 +1079,19 @@ void tst_ZAXMatMaterial::copiesDifferInColor()
     }
     QVERIFY(colors.size() > 10);
     QCOMPARE(material->GetNestingColor(), color);
+}
+
+void tst_ZAXMatMaterial::copyIsChangedInThisOrder()
+{
+    ZAXTestDocument document;
+    ZAXMatMaterial* const material = document.CreateMaterial();
+    material->SetProviderId("json");
+    material->SetRemoteKey("{1}");
+    const ZAXTestSignalLog log(material);
+    // Called on the copy, when all its fields are the original's.
+    material->PostDuplicate(material, material);
+    QCOMPARE(log.names, QStringList({Text("MaterialIdChanged"), Text("NestingColorChanged"), Text("ProviderIdChanged"),
+                                     Text("RemoteKeyChanged")}));
 }
 
 void tst_ZAXMatMaterial::copyLosesItsLinkToTheCatalogue()

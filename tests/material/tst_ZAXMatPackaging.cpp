@@ -124,6 +124,7 @@ private slots:
     void emptyItemsSurviveLookup();
     void otherTypesAreNoExtensions_data();
     void otherTypesAreNoExtensions();
+    void featureOfAnotherKindStays();
     void removedExtensionLeavesTheList();
 };
 
@@ -897,6 +898,16 @@ void tst_ZAXMatPackaging::otherTypesAreNoExtensions()
     QVERIFY(packaging->GetExtensions().isEmpty());
     QVERIFY(packaging->GetChildren().isEmpty());
     QCOMPARE(log.names, QStringList());
+}
+
+void tst_ZAXMatPackaging::featureOfAnotherKindStays()
+{
+    ZAXTestDocument document;
+    ZAXMatPackaging* const packaging = document.CreatePackaging();
+    QCOMPARE(MessageThrownBy([&] { packaging->GetExtension("ZAXFeatFolder", true); }),
+             Text("type is not a packaging extension"));
+    QCOMPARE(packaging->GetChildren().size(), 1);
+    QVERIFY(packaging->GetExtensions().isEmpty());
 }
 
 void tst_ZAXMatPackaging::removedExtensionLeavesTheList()

@@ -147,6 +147,7 @@ private slots:
     void conversionKeepsWhatTheUserChose();
     void conversionKeepsTheChangedMark();
     void conversionIsRefusedDuringAChange();
+    void conversionIsRefusedForWhatSomebodyHolds();
     void idsAreNotGivenAgainAfterConversion();
 };
 
@@ -677,6 +678,22 @@ void tst_missing_modules::conversionIsRefusedDuringAChange()
              QLatin1String("A change of the document is still under way."));
     QCOMPARE(document.GetContainer(), container);
     QVERIFY(document.GetUndo().GetStack()->canUndo());
+}
+
+void tst_missing_modules::conversionIsRefusedForWhatSomebodyHolds()
+{
+    const Modules modules;
+    ZAXHostDocument document;
+    QVERIFY(LoadBytes(document, home));
+    auto* const held = At<ZAXMatMaterial>(document, steel);
+    held->SetLabel(QLatin1String("Steel"));
+    held->AddReference();
+    held->Remove();
+    QCOMPARE(document.ConvertToPlaceholders(Modules::Types()).GetMessage(), QLatin1String("Steel is still in use."));
+    QCOMPARE(document.GetInstances(&ZAXMatMaterial::staticMetaObject).contains(held), true);
+    QVERIFY(document.GetUndo().Undo());
+    held->RemoveReference();
+    QVERIFY(document.ConvertToPlaceholders(Modules::Types()));
 }
 
 void tst_missing_modules::idsAreNotGivenAgainAfterConversion()

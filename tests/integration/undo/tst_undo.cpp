@@ -1,6 +1,7 @@
 #include "ZAXFeatContainer.h"
 #include "ZAXFeatFolder.h"
 #include "ZAXFeatLastSavedStore.h"
+#include "ZAXHostClipboard.h"
 #include "ZAXHostDocument.h"
 #include "ZAXHostDuplicator.h"
 #include "ZAXHostTransaction.h"
@@ -62,8 +63,9 @@ private slots:
 
     void settingAPropertyIsOneStep();
     void settingTheSameValueIsNoStep();
-    void silentChangeIsUndoable();
+    void visibilityIsOneStep();
     void creatingIsOneStep();
+    void makingAMaterialIsOneStep();
     void extensionIsCreatedAndListedInOneStep();
     void defaultPackagingIsOneStep();
     void removedMaterialComesBackAtItsAddress();
@@ -81,10 +83,14 @@ private slots:
     void changesOfSlotsJoinTheTransaction();
     void secondTransactionIsRefused();
     void slotOfAChangeIsRefused();
+    void slotOfTheStackIsRefusedDuringAPush();
     void whatSlotsChangeDuringUndoIsTakenBack();
 
     void newStepFreesTheRedoBranch();
     void clearFreesWhatWaitsAside();
+    void clearDoesNotMakeChangesSaved_data();
+    void clearDoesNotMakeChangesSaved();
+    void whatWasRemovedIsNeitherDuplicatedNorBuiltUpon();
     void undoLimitFreesWhatNobodyCanBringBack();
     void modifiedFollowsTheCleanMark();
 
@@ -104,6 +110,7 @@ void tst_undo::init()
     document = std::make_unique<ZAXHostDocument>();
     root = qobject_cast<ZAXMatRoot*>(document->GetContainer()->CreateInstance("ZAXMatRoot", nullptr));
     QVERIFY(document->GetUndo().Clear());
+    Stack().setClean();
 }
 
 void tst_undo::cleanup()
@@ -136,7 +143,7 @@ void tst_undo::settingTheSameValueIsNoStep()
     QCOMPARE(Stack().count(), count);
 }
 
-void tst_undo::silentChangeIsUndoable()
+void tst_undo::visibilityIsOneStep()
 {
     auto* const material = AddMaterial();
     QSignalSpy changed(material, &ZAXFeatObject::VisibilityChanged);
@@ -169,6 +176,22 @@ void tst_undo::creatingIsOneStep()
     QCOMPARE(added.size(), 2);
     QCOMPARE(root->GetMaterials(), QList<ZAXMatMaterial*>{material});
     QCOMPARE(document->GetContainer()->GetGeometryByRef(ZAXGeoGeometryRef(material)), material.data());
+}
+
+void tst_undo::makingAMaterialIsOneStep()
+{
+    const QByteArray before = document->Encode();
+    // As a class of a module makes one itself.
+    auto* const material =
+        qobject_cast<ZAXMatMaterial*>(ZAXMatMaterial::staticMetaObject.newInstance(Q_ARG(ZAXFeatObject*, root)));
+    material->Initialize();
+    QCOMPARE(Stack().count(), 1);
+    QCOMPARE(Stack().undoText(), QLatin1String("Create Material"));
+    const QByteArray after = document->Encode();
+    QVERIFY(document->GetUndo().Undo());
+    QCOMPARE(document->Encode(), before);
+    QVERIFY(document->GetUndo().Redo());
+    QCOMPARE(document->Encode(), after);
 }
 
 void tst_undo::extensionIsCreatedAndListedInOneStep()
@@ -453,6 +476,21 @@ void tst_undo::slotOfAChangeIsRefused()
     QCOMPARE(material->GetComment(), QLatin1String("new"));
 }
 
+void tst_undo::slotOfTheStackIsRefusedDuringAPush()
+{
+    auto* const material = AddMaterial();
+    auto& undo = document->GetUndo();
+    QStringList refusals;
+    const auto tryUndo =
+        connect(&Stack(), &QUndoStack::indexChanged, this, [&] { refusals.append(undo.Undo().GetMessage()); });
+    material->SetThickness(3.0);
+    disconnect(tryUndo);
+    QCOMPARE(refusals, QStringList(QLatin1String("A change of the document is still under way.")));
+    QCOMPARE(material->GetThickness(), 3.0);
+    QVERIFY(undo.Undo());
+    QCOMPARE(material->GetThickness(), 0.5);
+}
+
 void tst_undo::whatSlotsChangeDuringUndoIsTakenBack()
 {
     auto* const material = AddMaterial();
@@ -496,6 +534,56 @@ void tst_undo::clearFreesWhatWaitsAside()
     QVERIFY(material);
     QVERIFY(!other);
     QVERIFY(!document->GetUndo().GetStack()->canUndo());
+}
+
+void tst_undo::clearDoesNotMakeChangesSaved_data()
+{
+    QTest::addColumn<bool>("isSaved");
+    QTest::newRow("saved") << true;
+    QTest::newRow("changed") << false;
+}
+
+void tst_undo::clearDoesNotMakeChangesSaved()
+{
+    QFETCH(bool, isSaved);
+    auto* const material = AddMaterial();
+    Stack().setClean();
+    material->SetComment(QLatin1String(isSaved ? "" : "not saved"));
+    QVERIFY(document->GetUndo().Clear());
+    QCOMPARE(Stack().count(), 0);
+    QCOMPARE(document->IsModified(), !isSaved);
+    material->SetThickness(3.0);
+    QVERIFY(document->GetUndo().Undo());
+    QCOMPARE(document->IsModified(), !isSaved);
+    Stack().setClean();
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo::whatWasRemovedIsNeitherDuplicatedNorBuiltUpon()
+{
+    auto* const material = AddMaterial();
+    auto* const other = AddMaterial();
+    const QByteArray copied = ZAXHostClipboard::Copy({other->CreateDefaultPackaging()});
+    material->Remove();
+    const QByteArray before = document->Encode();
+    const int count = Stack().count();
+
+    QTest::ignoreMessage(QtWarningMsg, "Material is not duplicated: it was removed.");
+    QVERIFY(!ZAXHostDuplicator::Duplicate(material));
+    QTest::ignoreMessage(QtWarningMsg, "A ZAXMatPackaging cannot be created under a parent that was removed.");
+    QVERIFY(!document->GetContainer()->CreateInstance("ZAXMatPackaging", material));
+    QVERIFY_THROWS_EXCEPTION(ZAXSysException, TestExtension{material});
+    QList<ZAXFeatObject*> pasted;
+    QList<ZAXHostProblem> problems;
+    QCOMPARE(ZAXHostClipboard::Paste(copied, material, pasted, problems).GetMessage(),
+             QLatin1String("Material was removed."));
+    QVERIFY(pasted.isEmpty());
+
+    QVERIFY(material->GetChildren().isEmpty());
+    QCOMPARE(document->Encode(), before);
+    QCOMPARE(Stack().count(), count);
+    QVERIFY(document->GetUndo().Undo());
+    QVERIFY(ZAXHostDuplicator::Duplicate(material));
 }
 
 void tst_undo::undoLimitFreesWhatNobodyCanBringBack()

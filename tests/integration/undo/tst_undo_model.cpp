@@ -147,6 +147,64 @@ public:
     }
 };
 
+/// A part that takes something outside itself, and can refuse to be saved or to let it go.
+class ZAXProbeTenant : public ZAXProbePart
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE ZAXProbeTenant(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference)
+        : ZAXProbePart(container, reference)
+    {
+    }
+    Q_INVOKABLE explicit ZAXProbeTenant(ZAXFeatContainer* container) : ZAXProbePart(container) {}
+    Q_INVOKABLE explicit ZAXProbeTenant(ZAXFeatObject* parent) : ZAXProbePart(parent) {}
+
+    void Save(ZAXGeoStream& stream) const override
+    {
+        ZAXProbeData::Run("Save of a tenant");
+        ZAXProbePart::Save(stream);
+    }
+    void Load(ZAXGeoStream& stream) override
+    {
+        ZAXProbeData::Run("Load of a tenant");
+        ZAXProbePart::Load(stream);
+    }
+    void InitializeNonStreamed() override
+    {
+        ZAXProbePart::InitializeNonStreamed();
+        isMovedIn = true;
+        ++moves;
+    }
+    void Cleanup() override
+    {
+        ZAXProbePart::Cleanup();
+        ZAXProbeData::Run("Cleanup");
+        isMovedIn = false;
+        ++moves;
+    }
+
+    bool isMovedIn = false;
+    int moves = 0;
+};
+
+/// What parents told of their children, as "part +" and "part -".
+class Announcements : public QObject
+{
+public:
+    void Follow(ZAXFeatObject* parent)
+    {
+        const QString name = parent->GetLabel();
+        connect(parent, &ZAXFeatObject::ChildAdded, this, [this, name] { m_told.append(name + QLatin1String(" +")); });
+        connect(parent, &ZAXFeatObject::ChildRemoved, this,
+                [this, name] { m_told.append(name + QLatin1String(" -")); });
+    }
+    QString Take() { return std::exchange(m_told, {}).join(QLatin1String(", ")); }
+
+private:
+    QStringList m_told;
+};
+
 /// Does the same to a document and to its model, at random.
 class Player
 {
@@ -300,6 +358,25 @@ private slots:
     void moveThereAndBackIsNoStep();
     void whatWasNeverAnnouncedIsNoStep();
 
+    void wayAroundIsNoStep();
+    void movesOfOneStepAreToldOfInPairs();
+    void newAndMovedIsToldOfInPairs();
+    void parentIsNotToldOfAGuestThatGoesOnAtOnce();
+    void undoneCreationTakesLeave();
+    void redoneRemovalTakesLeaveAgain();
+    void rolledBackCreationTakesLeave();
+    void refusedLeaveLeavesTheFeature();
+
+    void featureThatCannotBeSavedIsNotChanged();
+    void featureThatCannotBeSavedAnyMoreIsChangedForGood();
+    void rollBackSaysWhatItCouldNotTakeBack();
+    void undoWithoutAContainerDoesNothing();
+
+    void slotMayRemoveTheOwnerOfAList_data();
+    void slotMayRemoveTheOwnerOfAList();
+    void slotMayRemoveWhatChanges_data();
+    void slotMayRemoveWhatChanges();
+
     void refusedStateLeavesEverythingAsItWas_data();
     void refusedStateLeavesEverythingAsItWas();
     void throwingSlotLeavesEverythingAsItWas_data();
@@ -316,6 +393,7 @@ void tst_undo_model::initTestCase()
 {
     ZAXGeoContainer::RegisterType(&ZAXProbePart::staticMetaObject);
     ZAXGeoContainer::RegisterType(&ZAXProbeNest::staticMetaObject);
+    ZAXGeoContainer::RegisterType(&ZAXProbeTenant::staticMetaObject);
 }
 
 void tst_undo_model::init()
@@ -324,6 +402,7 @@ void tst_undo_model::init()
     part = Create("ZAXProbePart");
     other = Create("ZAXProbePart");
     QVERIFY(Undo().Clear());
+    Stack().setClean();
 }
 
 void tst_undo_model::cleanup()
@@ -511,6 +590,253 @@ void tst_undo_model::moveThereAndBackIsNoStep()
     QVERIFY(child->MoveTo(part, 0));
     QVERIFY(transaction.Commit());
     QCOMPARE(Stack().count(), count);
+}
+
+void tst_undo_model::wayAroundIsNoStep()
+{
+    auto* const third = Create("ZAXProbePart");
+    auto* const child = Create("ZAXProbePart", part);
+    const int count = Stack().count();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Around"));
+    for (ZAXFeatObject* parent : {other, third, part})
+        QVERIFY(child->MoveTo(parent, 0));
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), count);
+}
+
+void tst_undo_model::movesOfOneStepAreToldOfInPairs()
+{
+    auto* const third = Create("ZAXProbePart");
+    auto* const child = Create("ZAXProbePart", part);
+    auto* const companion = Create("ZAXProbePart", part);
+    part->SetLabel(QLatin1String("part"));
+    other->SetLabel(QLatin1String("other"));
+    third->SetLabel(QLatin1String("third"));
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Two moves each"));
+    QVERIFY(child->MoveTo(other, 0));
+    QVERIFY(companion->MoveTo(other, 0));
+    QVERIFY(child->MoveTo(third, 0));
+    QVERIFY(companion->MoveTo(part, 0));
+    QVERIFY(transaction.Commit());
+
+    Announcements announcements;
+    for (ZAXFeatObject* parent : {part, other, third})
+        announcements.Follow(parent);
+    QVERIFY(Undo().Undo());
+    QCOMPARE(announcements.Take(), QLatin1String("part -, third -, part +, part +"));
+    QVERIFY(Undo().Redo());
+    QCOMPARE(announcements.Take(), QLatin1String("part -, part -, third +, part +"));
+}
+
+void tst_undo_model::newAndMovedIsToldOfInPairs()
+{
+    part->SetLabel(QLatin1String("part"));
+    other->SetLabel(QLatin1String("other"));
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Create and move"));
+    auto* const child = Create("ZAXProbePart", part);
+    Create("ZAXProbePart", part);
+    QVERIFY(child->MoveTo(other, 0));
+    QVERIFY(transaction.Commit());
+
+    Announcements announcements;
+    announcements.Follow(part);
+    announcements.Follow(other);
+    QVERIFY(Undo().Undo());
+    QCOMPARE(announcements.Take(), QLatin1String("other -, part -"));
+    QVERIFY(Undo().Redo());
+    QCOMPARE(announcements.Take(), QLatin1String("part +, other +"));
+}
+
+void tst_undo_model::parentIsNotToldOfAGuestThatGoesOnAtOnce()
+{
+    auto* const third = Create("ZAXProbePart");
+    auto* const child = Create("ZAXProbePart", part);
+    third->SetLabel(QLatin1String("third"));
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Through the third"));
+    QVERIFY(child->MoveTo(third, 0));
+    Create("ZAXProbePart", part);
+    QVERIFY(child->MoveTo(other, 0));
+    QVERIFY(transaction.Commit());
+    Announcements announcements;
+    announcements.Follow(third);
+    QVERIFY(Undo().Undo());
+    QVERIFY(Undo().Redo());
+    QCOMPARE(announcements.Take(), QString());
+    QCOMPARE(child->GetParent(), other);
+}
+
+void tst_undo_model::undoneCreationTakesLeave()
+{
+    const auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant"));
+    QCOMPARE(tenant->moves, 1);
+    QVERIFY(Undo().Undo());
+    QVERIFY(!tenant->isMovedIn);
+    QCOMPARE(tenant->moves, 2);
+    QVERIFY(Undo().Redo());
+    QVERIFY(tenant->isMovedIn);
+    QCOMPARE(tenant->moves, 3);
+}
+
+void tst_undo_model::redoneRemovalTakesLeaveAgain()
+{
+    const auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant", part));
+    part->Remove();
+    QVERIFY(!tenant->isMovedIn);
+    for (int moves = 2; moves < 6; moves += 2) {
+        QCOMPARE(tenant->moves, moves);
+        QVERIFY(Undo().Undo());
+        QVERIFY(tenant->isMovedIn);
+        QVERIFY(Undo().Redo());
+        QVERIFY(!tenant->isMovedIn);
+    }
+}
+
+void tst_undo_model::rolledBackCreationTakesLeave()
+{
+    bool isMovedIn = true;
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Not yet"));
+    const auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant"));
+    connect(tenant, &QObject::destroyed, this, [&, tenant] { isMovedIn = tenant->isMovedIn; });
+    QVERIFY(transaction.Rollback());
+    QVERIFY(!isMovedIn);
+}
+
+void tst_undo_model::refusedLeaveLeavesTheFeature()
+{
+    const auto* const tenant = Create("ZAXProbeTenant", part);
+    const QByteArray before = document->Encode();
+    ZAXProbeData::failAt = "Cleanup";
+    QCOMPARE(Undo().Undo().GetMessage(), QLatin1String("The probe fails at Cleanup."));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(tenant->GetParent(), part);
+    QCOMPARE(document->Encode(), before);
+    QVERIFY(!Stack().canRedo());
+    QVERIFY(Undo().Undo());
+}
+
+void tst_undo_model::featureThatCannotBeSavedIsNotChanged()
+{
+    auto* const tenant = Create("ZAXProbeTenant");
+    const int count = Stack().count();
+    ZAXProbeData::failAt = "Save of a tenant";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, tenant->SetText(QLatin1String("changed")));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(tenant->data.text.GetValue(), QString());
+    QVERIFY(!Undo().IsBusy());
+    QCOMPARE(Stack().count(), count);
+    tenant->SetText(QLatin1String("changed"));
+    QCOMPARE(Stack().count(), count + 1);
+    QVERIFY(Undo().Undo());
+    QCOMPARE(tenant->data.text.GetValue(), QString());
+}
+
+void tst_undo_model::featureThatCannotBeSavedAnyMoreIsChangedForGood()
+{
+    auto* const tenant = Create("ZAXProbeTenant");
+    Stack().setClean();
+    const int count = Stack().count();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Both"));
+    tenant->SetText(QLatin1String("changed"));
+    part->SetText(QLatin1String("changed"));
+    ZAXProbeData::failAt = "Save of a tenant";
+    QVERIFY(transaction.Commit());
+    ZAXProbeData::failAt = "";
+    QVERIFY(!Undo().IsBusy());
+    QCOMPARE(Stack().count(), count + 1);
+    QVERIFY(document->IsModified());
+    QVERIFY(Undo().Undo());
+    QCOMPARE(part->data.text.GetValue(), QString());
+    QCOMPARE(tenant->data.text.GetValue(), QLatin1String("changed"));
+    QVERIFY(document->IsModified());
+
+    // The end of a change, not of a transaction.
+    const auto fail =
+        connect(tenant, &ZAXProbePart::LinkAdded, this, [] { ZAXProbeData::failAt = "Save of a tenant"; });
+    {
+        const ZAXFeatPropertyChange change(tenant->data.text);
+        tenant->links.Add(part, false);
+    }
+    disconnect(fail);
+    ZAXProbeData::failAt = "";
+    QVERIFY(!Undo().IsBusy());
+    QCOMPARE(tenant->links.GetObjects(), QList<ZAXFeatObject*>{part});
+}
+
+void tst_undo_model::rollBackSaysWhatItCouldNotTakeBack()
+{
+    auto* const tenant = Create("ZAXProbeTenant");
+    Stack().setClean();
+    const int count = Stack().count();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Try"));
+    tenant->SetText(QLatin1String("changed"));
+    part->SetText(QLatin1String("changed"));
+    Create("ZAXProbePart", part);
+    ZAXProbeData::failAt = "Load of a tenant";
+    QCOMPARE(transaction.Rollback().GetMessage(),
+             QLatin1String("An object of the document does not take its former state."));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(tenant->data.text.GetValue(), QLatin1String("changed"));
+    QCOMPARE(part->data.text.GetValue(), QString());
+    QVERIFY(part->GetChildren().isEmpty());
+    QVERIFY(!Undo().IsBusy());
+    QVERIFY(document->IsModified());
+    QCOMPARE(Stack().count(), count);
+}
+
+void tst_undo_model::undoWithoutAContainerDoesNothing()
+{
+    ZAXHostUndo undo(nullptr);
+    QVERIFY(!undo.IsBusy());
+    QVERIFY(undo.Undo());
+    QVERIFY(undo.Redo());
+    QVERIFY(undo.Clear());
+    undo.SetContainer(document->GetContainer());
+    undo.SetContainer(nullptr);
+    part->SetText(QLatin1String("changed"));
+    QCOMPARE(undo.GetStack()->count(), 0);
+}
+
+void tst_undo_model::slotMayRemoveTheOwnerOfAList_data()
+{
+    QTest::addColumn<bool>("hasUndo");
+    QTest::newRow("with undo") << true;
+    QTest::newRow("without undo") << false;
+}
+
+void tst_undo_model::slotMayRemoveTheOwnerOfAList()
+{
+    QFETCH(bool, hasUndo);
+    if (!hasUndo)
+        Undo().SetContainer(nullptr);
+    const QPointer<ZAXProbePart> owner = Create("ZAXProbePart", part);
+    const QPointer<ZAXProbePart> listed = Create("ZAXProbePart", owner);
+    owner->links.Add(listed, false);
+    connect(owner, &ZAXProbePart::LinkRemoved, this, [&] { owner->Remove(); });
+    listed->Remove();
+    QVERIFY(part->GetChildren().isEmpty());
+    QCoreApplication::processEvents();
+    QCOMPARE(bool(owner), hasUndo);
+    QCOMPARE(bool(listed), hasUndo);
+}
+
+void tst_undo_model::slotMayRemoveWhatChanges_data()
+{
+    slotMayRemoveTheOwnerOfAList_data();
+}
+
+void tst_undo_model::slotMayRemoveWhatChanges()
+{
+    QFETCH(bool, hasUndo);
+    if (!hasUndo)
+        Undo().SetContainer(nullptr);
+    const QPointer<ZAXProbePart> child = Create("ZAXProbePart", part);
+    connect(child, &ZAXFeatObject::LabelChanged, this, [&] { child->Remove(); });
+    child->SetLabel(QLatin1String("doomed"));
+    // The change is still at work with it when the slot returns.
+    QVERIFY(child);
+    QVERIFY(part->GetChildren().isEmpty());
+    QCoreApplication::processEvents();
+    QCOMPARE(bool(child), hasUndo);
 }
 
 void tst_undo_model::whatWasNeverAnnouncedIsNoStep()
