@@ -210,7 +210,7 @@ private:
 void tst_ZAXHostDocumentDamage::initTestCase()
 {
     ZAXGeoContainer::RegisterType(&ZAXProbeNote::staticMetaObject);
-    QCOMPARE(GoldenNames().size(), 6);
+    QCOMPARE(GoldenNames().size(), 11);
 }
 
 void tst_ZAXHostDocumentDamage::AddGoldenRows()

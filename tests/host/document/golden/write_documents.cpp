@@ -90,6 +90,79 @@ QByteArray Deceptive()
         .End();
 }
 
+/// Folders within folders, as a planner files a year's jobs.
+QByteArray Archive()
+{
+    ZAXDocumentBytes document(200, hostClasses);
+    quint64 id = 0;
+    for (quint32 month = 0; month < 12; ++month) {
+        const quint64 parent = ++id;
+        document.Object(folder, parent, 0, month, ZAXDocumentBytes::Feature(QString::number(month + 1)));
+        for (quint32 week = 0; week < 5; ++week)
+            document.Object(folder, ++id, parent, week, ZAXDocumentBytes::Feature(QString(), week != 2));
+    }
+    return document.End();
+}
+
+/// Notes that all refer to themselves and to each other.
+QByteArray Web()
+{
+    constexpr quint32 note = 2;
+    constexpr quint64 count = 15;
+    ZAXDocumentBytes document(count, {{"ZAXGeoGeometry", 1, -1}, {"ZAXFeatObject", 1, 0}, {"ZAXProbeNote", 1, 1}});
+    for (quint64 id = 1; id <= count; ++id) {
+        QList<quint64> references{id};
+        QList<quint32> places;
+        for (quint64 other = 1; other <= count; ++other) {
+            if (other != id)
+                references.append(other);
+            places.append(quint32(references.indexOf(other) + 1));
+        }
+        document.Object(note, id, 0, quint32(id - 1), Note(QString(), QString::number(id), 1, places), references);
+    }
+    return document.End();
+}
+
+/// Few objects with much data of a class that nobody knows.
+QByteArray Bulky()
+{
+    const QList<Class> classes{{"ZAXGeoGeometry", 1, -1}, {"ZAXFeatObject", 1, 0}, {"AlienImage", 2, 1}};
+    const auto pixels = [](quint32 seed) {
+        QByteArray data;
+        // Numerical Recipes' linear congruential generator.
+        for (int i = 0; i < 1230; ++i)
+            data.append(char((seed = seed * 1664525 + 1013904223) >> 24));
+        return data;
+    };
+    return ZAXDocumentBytes(3, classes)
+        .Object(2, 1, 0, 0, pixels(1))
+        .Object(2, 2, 1, 0, pixels(2))
+        .Object(2, 3, 0, 1, pixels(3), {1, 2, 3})
+        .End();
+}
+
+/// A table of many classes, each derived from the one before it.
+QByteArray Ancestry()
+{
+    QList<Class> classes{{"ZAXGeoGeometry", 1, -1}, {"ZAXFeatObject", 1, 0}};
+    for (qint32 i = 2; i < 110; ++i)
+        classes.append({"AlienGeneration" + QByteArray::number(i), quint32(i), i - 1});
+    ZAXDocumentBytes document(8, classes);
+    for (quint32 i = 0; i < 8; ++i)
+        document.Object(109 - i * 13, i + 1, i, 0, QByteArray(8, char(i)));
+    return document.End();
+}
+
+/// Objects below one another, each referring to the one above and the one at the top.
+QByteArray Ladder()
+{
+    const QList<Class> classes{{"ZAXGeoGeometry", 1, -1}, {"ZAXFeatObject", 1, 0}, {"AlienRung", 1, 1}};
+    ZAXDocumentBytes document(1000, classes);
+    for (quint64 id = 1; id <= 63; ++id)
+        document.Object(2, id * 7, (id - 1) * 7, 0, QByteArray::number(id), {(id - 1) * 7, 7});
+    return document.End();
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -100,9 +173,10 @@ int main(int argc, char** argv)
         return 2;
     }
     const QDir target(QFile::decodeName(argv[1]));
-    const std::pair<const char*, QByteArray> documents[] = {{"empty", Empty()}, {"folders", Folders()},
-                                                            {"notes", Notes()}, {"foreign", Foreign()},
-                                                            {"deep", Deep()},   {"deceptive", Deceptive()}};
+    const std::pair<const char*, QByteArray> documents[] = {
+        {"empty", Empty()}, {"folders", Folders()},     {"notes", Notes()},     {"foreign", Foreign()},
+        {"deep", Deep()},   {"deceptive", Deceptive()}, {"archive", Archive()}, {"web", Web()},
+        {"bulky", Bulky()}, {"ancestry", Ancestry()},   {"ladder", Ladder()}};
     for (const auto& [name, bytes] : documents) {
         QFile file(target.filePath(QLatin1String(name) + QLatin1String(".zaxdoc")));
         if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
