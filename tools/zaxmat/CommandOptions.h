@@ -3,6 +3,7 @@
 
 #include "Catalogue.h"
 #include "ExitCode.h"
+#include "Output.h"
 
 #include <QString>
 #include <QStringList>
@@ -16,8 +17,6 @@ class Option;
 } // namespace CLI
 
 namespace zaxmat {
-
-class Output;
 
 /// What is to be done: a command with its options. \throws Failure when it cannot be done.
 using Action = std::function<ExitCode(Output&)>;
@@ -33,6 +32,12 @@ CLI::Option* AddText(CLI::App& command, const QString& name, const QString& valu
 /// The same for one or more texts, given behind one another or with the option repeated.
 CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& value, const QString& description,
                       QStringList& target);
+
+/// Declares a switch of \a command that sets \a target.
+CLI::Option* AddFlag(CLI::App& command, const QString& name, const QString& description, bool& target);
+
+/// Declares to \a command, and to all commands below it, how they are told what to print.
+void AddOutputOptions(CLI::App& command, OutputOptions& target);
 
 /// Declares how \a command is told which catalogue it works on.
 void AddCatalogueOptions(CLI::App& command, CatalogueOptions& target);
