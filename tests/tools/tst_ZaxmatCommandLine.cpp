@@ -66,9 +66,10 @@ void tst_ZaxmatCommandLine::helpListsTheExitCodes()
     const Run run = Workshop().Zaxmat({"--help"});
     QVERIFY2(run.out.endsWith("Exit codes:\n"
                               "  0  done\n"
-                              "  1  invalid values\n"
+                              "  1  invalid values, or differences found\n"
                               "  2  wrong usage: unknown, ambiguous, no number\n"
-                              "  3  a file that cannot be read, understood or written\n"),
+                              "  3  a file that cannot be read, understood or written\n"
+                              "  4  somebody else changed the same record meanwhile; nothing was written\n"),
              qUtf8Printable(run.out));
 }
 

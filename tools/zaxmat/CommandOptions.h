@@ -3,6 +3,7 @@
 
 #include "Catalogue.h"
 #include "ExitCode.h"
+#include "Output.h"
 
 #include <QString>
 #include <QStringList>
@@ -16,8 +17,6 @@ class Option;
 } // namespace CLI
 
 namespace zaxmat {
-
-class Output;
 
 /// What is to be done: a command with its options. \throws Failure when it cannot be done.
 using Action = std::function<ExitCode(Output&)>;
@@ -38,6 +37,12 @@ CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& val
 /// footer says already. The examples work as they stand, in their order, in a folder that holds examples/catalogue, a
 /// document job.zaxdoc with a material of it, and the materials of it as prices.csv.
 void AddExample(CLI::App& command, const QString& commandLine);
+
+/// Declares a switch of \a command that sets \a target.
+CLI::Option* AddFlag(CLI::App& command, const QString& name, const QString& description, bool& target);
+
+/// Declares to \a command, and to all commands below it, how they are told what to print.
+void AddOutputOptions(CLI::App& command, OutputOptions& target);
 
 /// Declares how \a command is told which catalogue it works on.
 void AddCatalogueOptions(CLI::App& command, CatalogueOptions& target);
