@@ -73,6 +73,15 @@ CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& val
                      value);
 }
 
+void AddExample(CLI::App& command, const QString& commandLine)
+{
+    const QString heading = Text::tr("Examples:");
+    QString help = FromUtf8(command.get_footer());
+    if (!help.split(u'\n').contains(heading))
+        help += help.isEmpty() ? heading : QLatin1String("\n\n") + heading;
+    command.footer(Utf8(help + QLatin1String("\n  ") + commandLine));
+}
+
 CLI::Option* AddFlag(CLI::App& command, const QString& name, const QString& description, bool& target)
 {
     return command.add_flag_callback(

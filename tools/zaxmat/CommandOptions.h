@@ -33,6 +33,11 @@ CLI::Option* AddText(CLI::App& command, const QString& name, const QString& valu
 CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& value, const QString& description,
                       QStringList& target);
 
+/// Adds a complete command line, from "zaxmat" on, to the examples that end the help of \a command, below what its
+/// footer says already. The examples work as they stand, in their order, in a folder that holds examples/catalogue, a
+/// document job.zaxdoc with a material of it, and the materials of it as prices.csv.
+void AddExample(CLI::App& command, const QString& commandLine);
+
 /// Declares a switch of \a command that sets \a target.
 CLI::Option* AddFlag(CLI::App& command, const QString& name, const QString& description, bool& target);
 

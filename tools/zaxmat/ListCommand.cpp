@@ -44,7 +44,7 @@ void AddListCommand(CLI::App& program, Action& chosen)
     CLI::App* const command = program.add_subcommand("list", Utf8(Text::tr("Lists the materials of a catalogue.")));
     const auto options = std::make_shared<ListOptions>();
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("Example:\n  zaxmat list --catalogue examples/catalogue")));
+    AddExample(*command, QLatin1String("zaxmat list --catalogue examples/catalogue"));
     command->callback([options, &chosen] { chosen = [options](Output& output) { return RunList(*options, output); }; });
 }
 

@@ -107,7 +107,7 @@ void AddShowCommand(CLI::App& program, Action& chosen)
             options->record)
         ->required();
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("Example:\n  zaxmat show S235JR --catalogue examples/catalogue")));
+    AddExample(*command, QLatin1String("zaxmat show S235JR --catalogue examples/catalogue"));
     command->callback([options, &chosen] { chosen = [options](Output& output) { return RunShow(*options, output); }; });
 }
 

@@ -140,10 +140,9 @@ void AddUseCommand(CLI::App& program, Action& chosen)
                  "catalogue marks active."),
         options->request.stockForms);
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("What the document has already is found, not made again.\n\n"
-                                  "Example:\n"
-                                  "  zaxmat use --document job.zaxdoc S235JR --thickness 2 "
-                                  "--packaging \"Sheet 1250 x 2500\"")));
+    command->footer(Utf8(Text::tr("What the document has already is found, not made again.")));
+    AddExample(*command, QLatin1String("zaxmat use --document job.zaxdoc S235JR --thickness 2 "
+                                       "--packaging \"Sheet 1250 x 2500\" --catalogue examples/catalogue"));
     command->callback([options, &chosen] { chosen = [options](Output& output) { return RunUse(*options, output); }; });
 }
 
