@@ -1,8 +1,11 @@
 #include "CommandLine.h"
 
 #include "CommandOptions.h"
+#include "CompletionCommand.h"
+#include "DocumentCommand.h"
 #include "Failure.h"
 #include "ListCommand.h"
+#include "ManualCommand.h"
 #include "Output.h"
 #include "ShowCommand.h"
 #include "Text.h"
@@ -43,6 +46,9 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddListCommand(*program, request.action);
     AddShowCommand(*program, request.action);
     AddUseCommand(*program, request.action);
+    AddDocumentCommand(*program, request.action);
+    AddCompletionCommand(*program, request.action);
+    AddManualCommand(*program, request.action);
     AddOutputOptions(*program, request.output);
     program->footer(
         Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
@@ -53,8 +59,8 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
 QString InvocationOf(const CLI::App& program)
 {
     const auto commands = program.get_subcommands();
-    return QString::fromStdString(commands.empty() ? program.get_name()
-                                                   : program.get_name() + ' ' + commands.back()->get_name());
+    const QString name = QString::fromStdString(program.get_name());
+    return commands.empty() ? name : name + u' ' + InvocationOf(*commands.back());
 }
 
 /// What \a arguments ask for.
