@@ -1,6 +1,8 @@
 #include "CommandLine.h"
 
+#include "CheckCommand.h"
 #include "CommandOptions.h"
+#include "DiffCommand.h"
 #include "Failure.h"
 #include "ListCommand.h"
 #include "Output.h"
@@ -43,6 +45,8 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddListCommand(*program, request.action);
     AddShowCommand(*program, request.action);
     AddUseCommand(*program, request.action);
+    AddDiffCommand(*program, request.action);
+    AddCheckCommand(*program, request.action);
     AddOutputOptions(*program, request.output);
     program->footer(
         Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
