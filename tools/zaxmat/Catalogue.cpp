@@ -1,18 +1,11 @@
 #include "Catalogue.h"
 
-#include "Failure.h"
 #include "Records.h"
-#include "Text.h"
 
-#include "ZAXMatDefinition.h"
 #include "ZAXMatJsonFileProvider.h"
-#include "ZAXMatProviderCache.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonDocument>
-#include <QStandardPaths>
+#include <QSet>
+#include <QUuid>
 
 #include <algorithm>
 
@@ -20,128 +13,108 @@ namespace zaxmat {
 
 namespace {
 
-QString HowToChoose()
+/// Takes records out that a later one of the same key replaces.
+void KeepLast(QList<CatalogueRecord>& records)
 {
-    return Text::tr("Name the folder of a catalogue with --catalogue DIR or in ZAXMAT_CATALOGUE.");
-}
-
-QString HowToMend(const QString& path)
-{
-    return Text::tr("Correct it, or put a good copy in its place. Nothing is written to %1 until it can be read.")
-        .arg(QuotedPath(path));
-}
-
-/// Where the byte at \a offset stands, for someone with an editor.
-QString PositionText(const QByteArray& text, qsizetype offset)
-{
-    const QByteArray before = text.first(qBound(qsizetype(0), offset, text.size()));
-    const qsizetype lineStart = before.lastIndexOf('\n') + 1;
-    return Text::tr("line %1, column %2")
-        .arg(QString::number(before.count('\n') + 1),
-             QString::number(QString::fromUtf8(before.sliced(lineStart)).size() + 1));
-}
-
-Failure Malformed(const QString& path, const QString& why)
-{
-    return {ExitCode::FileFailure,
-            Text::tr("The catalogue %1 is damaged: %2.\n%3").arg(QuotedPath(path), why, HowToMend(path))};
-}
-
-Failure Unreadable(const QString& path, const QString& why)
-{
-    return {ExitCode::FileFailure,
-            Text::tr("The catalogue %1 cannot be read: %2.\n%3").arg(QuotedPath(path), why, HowToChoose())};
-}
-
-/// \throws Failure unless \a path is a file, as opposed to a folder or a pipe, that can be read.
-void RequireFile(const QString& path)
-{
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile())
-        throw Unreadable(path, Text::tr("it is no file"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Unreadable(path, file.errorString());
-}
-
-/// \throws Failure unless the file \a path holds a JSON object.
-void RequireJsonObject(const QString& path)
-{
-    QFile file(path);
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    if (file.error() != QFile::NoError)
-        throw Unreadable(path, file.errorString());
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
-    // The parser's offset lies behind the byte that it stumbled over.
-    if (error.error != QJsonParseError::NoError)
-        throw Malformed(path, Text::tr("%1 at %2").arg(error.errorString(), PositionText(bytes, error.offset - 1)));
-    if (!document.isObject())
-        throw Malformed(path, Text::tr("it holds no JSON object"));
-}
-
-/// \a records, all of which are there as long as nobody changes the file meanwhile.
-QList<ZAXMatDefinition> Complete(const QList<ZAXMatDefinition>& records, const QString& path)
-{
-    if (!std::ranges::all_of(records, &ZAXMatDefinition::IsValid))
-        throw Unreadable(path, Text::tr("it was changed meanwhile"));
-    return records;
+    QSet<QByteArray> keys;
+    QList<CatalogueRecord> kept;
+    for (auto record = records.crbegin(); record != records.crend(); ++record) {
+        const QByteArray key = record->GetKey();
+        if (!keys.contains(key))
+            kept.prepend(*record);
+        keys.insert(key);
+    }
+    records = kept;
 }
 
 } // namespace
 
-QString DefaultCatalogueDirectory()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-}
-
 Catalogue::Catalogue(const CatalogueOptions& options)
+    : Catalogue(CatalogueFilePath(options),
+                ParseCatalogue(CatalogueFilePath(options), ReadCatalogueFile(CatalogueFilePath(options))))
 {
-    const QString directory = options.directory.isEmpty() ? DefaultCatalogueDirectory() : options.directory;
-    m_filePath = QDir(directory).filePath(QLatin1String("materials.json"));
-    RequireFile(m_filePath);
-    m_provider = std::make_unique<ZAXMatJsonFileProvider>(directory);
-    m_cache.reset(ZAXMatProviderCache::GetCache(m_provider->GetProviderId()));
-    // The provider takes a file that it cannot parse for an empty one. Where it finds something, it has parsed it.
-    if (m_cache->GetMaterialKeys().isEmpty())
-        RequireJsonObject(m_filePath);
 }
 
-Catalogue::~Catalogue() = default;
-
-QString Catalogue::GetFilePath() const
+Catalogue::Catalogue(const QString& path, const QJsonObject& root) : m_filePath(path)
 {
-    return m_filePath;
+    bool isNamedByKey = true;
+    for (auto member = root.begin(); member != root.end(); ++member) {
+        const CatalogueRecord record(member.value().toObject());
+        const QByteArray key = record.GetKey();
+        if (key.isEmpty())
+            continue;
+        isNamedByKey = isNamedByKey && key == member.key().toUtf8();
+        if (record.GetType() == ZAXMatDefinition::Material)
+            m_materials.records.append(record);
+        else if (record.GetType() == ZAXMatDefinition::Packaging)
+            m_stockForms.records.append(record);
+    }
+    // Members of one object have different names.
+    if (!isNamedByKey) {
+        KeepLast(m_materials.records);
+        KeepLast(m_stockForms.records);
+    }
 }
 
-QByteArray Catalogue::GetProviderId() const
+QByteArray Catalogue::GetProviderId()
 {
-    return m_provider->GetProviderId();
+    // It reports the same for every folder, so it is asked for that of one that is not there.
+    return ZAXMatJsonFileProvider(QUuid::createUuid().toString()).GetProviderId();
+}
+
+ZAXMatDefinition Catalogue::GetMaterial(const QByteArray& key) const
+{
+    return m_materials.Get(key);
+}
+
+ZAXMatDefinition Catalogue::GetStockForm(const QByteArray& key) const
+{
+    return m_stockForms.Get(key);
 }
 
 QList<ZAXMatDefinition> Catalogue::GetMaterials() const
 {
     QList<ZAXMatDefinition> materials;
-    const QList<QByteArray> keys = m_cache->GetMaterialKeys();
-    for (const QByteArray& key : keys)
-        materials.append(m_cache->GetMaterial(key));
+    std::ranges::transform(m_materials.records, std::back_inserter(materials), &CatalogueRecord::ToDefinition);
     SortRecords(materials);
-    return Complete(materials, m_filePath);
+    return materials;
 }
 
 QList<ZAXMatDefinition> Catalogue::GetStockForms(const QByteArray& materialKey) const
 {
+    PlaceStockForms();
     QList<ZAXMatDefinition> stockForms;
-    const QList<QByteArray> keys = m_cache->GetPackagingKeys(materialKey);
-    for (const QByteArray& key : keys)
-        stockForms.append(m_cache->GetPackaging(key));
+    const QList<qsizetype> places = m_stockFormsOf.values(materialKey);
+    for (const qsizetype place : places)
+        stockForms.append(m_stockForms.records[place].ToDefinition());
     SortRecords(stockForms);
-    return Complete(stockForms, m_filePath);
+    return stockForms;
 }
 
 qsizetype Catalogue::CountStockForms(const QByteArray& materialKey) const
 {
-    return m_cache->GetPackagingKeys(materialKey).size();
+    PlaceStockForms();
+    return m_stockFormsOf.count(materialKey);
+}
+
+void Catalogue::PlaceStockForms() const
+{
+    if (!m_stockFormsOf.isEmpty())
+        return;
+    m_stockFormsOf.reserve(m_stockForms.records.size());
+    for (qsizetype i = 0; i < m_stockForms.records.size(); ++i)
+        m_stockFormsOf.insert(m_stockForms.records[i].GetMaterialKey(), i);
+}
+
+ZAXMatDefinition Catalogue::Records::Get(const QByteArray& key) const
+{
+    if (places.isEmpty()) {
+        places.reserve(records.size());
+        for (qsizetype i = 0; i < records.size(); ++i)
+            places.insert(records[i].GetKey(), i);
+    }
+    const auto place = places.constFind(key);
+    return place != places.cend() ? records[*place].ToDefinition() : ZAXMatDefinition();
 }
 
 } // namespace zaxmat

@@ -1,48 +1,62 @@
 #include "CatalogueFile.h"
 
 #include "Failure.h"
-#include "JsonText.h"
-#include "Records.h"
 #include "Text.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QJsonDocument>
-#include <QJsonObject>
-
-#include <algorithm>
+#include <QStandardPaths>
 
 namespace zaxmat {
 
 namespace {
 
-Failure Unreadable(const QString& path, const QString& why)
+QString HowToChoose()
 {
-    return {ExitCode::FileFailure, Text::tr("The catalogue %1 cannot be read: %2.").arg(QuotedPath(path), why)};
+    return Text::tr("Name the folder of a catalogue with --catalogue DIR or in ZAXMAT_CATALOGUE.");
 }
 
-QJsonObject ParseCatalogue(const QString& path)
+QString HowToMend(const QString& path)
 {
-    const QByteArray bytes = ReadCatalogueFile(path);
-    const QJsonDocument document = QJsonDocument::fromJson(bytes);
-    if (document.isObject())
-        return document.object();
-    const auto error = ParseJsonText(bytes).error;
-    const TextPosition position = error ? TextPositions(bytes).At(error->offset) : TextPosition();
-    const QString where =
-        error ? Text::tr("%1 at line %2, column %3")
-                    .arg(error->message, QString::number(position.line), QString::number(position.column))
-              : Text::tr("it holds no JSON object");
-    throw Failure(ExitCode::FileFailure, Text::tr("The catalogue %1 is damaged: %2.").arg(QuotedPath(path), where));
+    return Text::tr("Correct it, or put a good copy in its place. Nothing is written to %1 until it can be read.")
+        .arg(QuotedPath(path));
+}
+
+/// Where the byte at \a offset stands, for someone with an editor.
+QString PositionText(const QByteArray& text, qsizetype offset)
+{
+    const QByteArray before = text.first(qBound(qsizetype(0), offset, text.size()));
+    const qsizetype lineStart = before.lastIndexOf('\n') + 1;
+    return Text::tr("line %1, column %2")
+        .arg(QString::number(before.count('\n') + 1),
+             QString::number(QString::fromUtf8(before.sliced(lineStart)).size() + 1));
+}
+
+Failure Malformed(const QString& path, const QString& why)
+{
+    return {ExitCode::FileFailure,
+            Text::tr("The catalogue %1 is damaged: %2.\n%3").arg(QuotedPath(path), why, HowToMend(path))};
+}
+
+Failure Unreadable(const QString& path, const QString& why)
+{
+    return {ExitCode::FileFailure,
+            Text::tr("The catalogue %1 cannot be read: %2.\n%3").arg(QuotedPath(path), why, HowToChoose())};
 }
 
 } // namespace
 
-QString CatalogueFileAt(const QString& path)
+QString DefaultCatalogueDirectory()
 {
-    return QFileInfo(path).isDir() ? QDir(path).filePath(QLatin1String("materials.json")) : path;
+    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+}
+
+QString CatalogueFilePath(const CatalogueOptions& options)
+{
+    const QString directory = options.directory.isEmpty() ? DefaultCatalogueDirectory() : options.directory;
+    return QDir(directory).filePath(QLatin1String("materials.json"));
 }
 
 QByteArray ReadCatalogueFile(const QString& path)
@@ -51,33 +65,22 @@ QByteArray ReadCatalogueFile(const QString& path)
     if (info.exists() && !info.isFile())
         throw Unreadable(path, Text::tr("it is no file"));
     QFile file(path);
-    const bool isOpen = file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = isOpen ? file.readAll() : QByteArray();
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (file.error() != QFile::NoError)
         throw Unreadable(path, file.errorString());
     return bytes;
 }
 
-QList<ZAXMatDefinition> ReadRecords(const QString& path)
+QJsonObject ParseCatalogue(const QString& path, const QByteArray& bytes)
 {
-    QHash<QByteArray, ZAXMatDefinition> materials;
-    QHash<QByteArray, ZAXMatDefinition> stockForms;
-    const QJsonObject root = ParseCatalogue(path);
-    for (const QJsonValue& value : root) {
-        ZAXMatDefinition record;
-        record.FromJson(value);
-        if (!record.IsValid())
-            continue;
-        if (record.GetType() == ZAXMatDefinition::Material)
-            materials.insert(record.GetKey(), record);
-        else if (record.GetType() == ZAXMatDefinition::Packaging)
-            stockForms.insert(record.GetKey(), record);
-    }
-    QList<ZAXMatDefinition> first = materials.values();
-    QList<ZAXMatDefinition> second = stockForms.values();
-    SortRecords(first);
-    SortRecords(second);
-    return first + second;
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
+    // The parser's offset lies behind the byte that it stumbled over.
+    if (error.error != QJsonParseError::NoError)
+        throw Malformed(path, Text::tr("%1 at %2").arg(error.errorString(), PositionText(bytes, error.offset - 1)));
+    if (!document.isObject())
+        throw Malformed(path, Text::tr("it holds no JSON object"));
+    return document.object();
 }
 
 } // namespace zaxmat

@@ -1,25 +1,32 @@
 #ifndef ZAXMAT_CATALOGUEFILE_H
 #define ZAXMAT_CATALOGUEFILE_H
 
-#include "ZAXMatDefinition.h"
-
 #include <QByteArray>
-#include <QList>
+#include <QJsonObject>
 #include <QString>
 
 namespace zaxmat {
 
-/// The materials.json that \a path leads to: \a path itself unless that is a folder.
-QString CatalogueFileAt(const QString& path);
+struct CatalogueOptions
+{
+    /// The folder of the catalogue; DefaultCatalogueDirectory() if empty.
+    QString directory;
+};
 
-/// The bytes of the catalogue \a path.
-/// \throws Failure (FileFailure) when it is no file, or cannot be read.
+/// The folder for the program's data in the user's home.
+QString DefaultCatalogueDirectory();
+
+/// The materials.json that \a options name.
+QString CatalogueFilePath(const CatalogueOptions& options);
+
+/// What the catalogue's file holds.
+/// \throws Failure (FileFailure) that says what is wrong with the file, and what to do, unless it is a file, as opposed
+/// to a folder or a pipe, that can be read.
 QByteArray ReadCatalogueFile(const QString& path);
 
-/// The records of the catalogue \a path as a provider reads them, materials first, each kind by name. Any number of
-/// catalogues can be read at a time.
-/// \throws Failure (FileFailure) when it cannot be read or is damaged, which says where.
-QList<ZAXMatDefinition> ReadRecords(const QString& path);
+/// The object that \a bytes, read from the file \a path, stand for.
+/// \throws Failure (FileFailure) that says what is wrong, and where, when they are no JSON object.
+QJsonObject ParseCatalogue(const QString& path, const QByteArray& bytes);
 
 } // namespace zaxmat
 

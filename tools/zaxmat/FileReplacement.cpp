@@ -4,9 +4,10 @@
 #include "Failure.h"
 #include "Text.h"
 
+#include "ZAXHostFileSaver.h"
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace zaxmat {
 
@@ -16,20 +17,6 @@ Failure Unwritable(const QString& path, const QString& why)
 {
     return {ExitCode::FileFailure,
             Text::tr("%1 cannot be written: %2. The catalogue is as it was.").arg(QuotedPath(path), why)};
-}
-
-/// Writes aside what is to take the place of the file. Empty, or why that failed.
-QString WriteAside(const QString& path, const QByteArray& bytes)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    // The file's own permissions: those that the current user has by being the superuser do not count.
-    constexpr auto currentUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
-    file.setPermissions(QFile::permissions(path) & ~currentUser);
-    if (file.write(bytes) != bytes.size() || !file.flush())
-        file.cancelWriting();
-    return file.commit() ? QString() : file.errorString();
 }
 
 } // namespace
@@ -64,9 +51,8 @@ void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const Q
         throw Failure(ExitCode::FileChanged,
                       Text::tr("Somebody else changed the catalogue %1 meanwhile. Nothing was written; try again.")
                           .arg(QuotedPath(path)));
-    const QString reason = WriteAside(path, bytes);
-    if (!reason.isEmpty())
-        throw Unwritable(path, reason);
+    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(path, bytes); !saved)
+        throw Unwritable(path, saved.GetMessage());
     if (ReadCatalogueFile(path) != bytes)
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The catalogue %1 does not hold what was written to it.").arg(QuotedPath(path)));

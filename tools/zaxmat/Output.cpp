@@ -1,5 +1,6 @@
 #include "Output.h"
 
+#include "Csv.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -18,16 +19,8 @@ namespace {
 QByteArray ToCsv(const QList<QStringList>& rows)
 {
     QByteArray csv;
-    for (const QStringList& row : rows) {
-        QStringList fields;
-        for (const QString& text : row) {
-            const bool isPlain =
-                !text.contains(u',') && !text.contains(u'"') && !text.contains(u'\n') && !text.contains(u'\r');
-            QString inner = text;
-            fields.append(isPlain ? text : u'"' + inner.replace(u'"', QLatin1String("\"\"")) + u'"');
-        }
-        csv += fields.join(u',').toUtf8() + "\r\n";
-    }
+    for (const QStringList& row : rows)
+        csv += CsvLine(row);
     return csv;
 }
 

@@ -11,14 +11,17 @@
 namespace zaxmat {
 
 class Catalogue;
+class CatalogueRecord;
 
 /// Sorts by name, letter case only deciding between equal names, then by thickness, those without one first, then by
 /// key. The locale plays no part.
 void SortRecords(QList<ZAXMatDefinition>& records);
+void SortRecords(QList<CatalogueRecord>& records);
 
 /// The thickness of a material in millimetres, as its feature would take it; empty for a missing one and for one that
 /// is no length.
 std::optional<double> ThicknessOf(const ZAXMatDefinition& material);
+std::optional<double> ThicknessOf(const CatalogueRecord& material);
 
 /// Whether two materials of these thicknesses, in millimetres, count as one. The documents see it the same way.
 bool IsSameThickness(double a, double b);

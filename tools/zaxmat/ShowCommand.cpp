@@ -19,7 +19,7 @@ namespace {
 void PrintRecord(const QString& title, const ZAXMatDefinition& record, Output& output)
 {
     Table table({{}, {}});
-    table.AddRow({Text::tr("Key"), QString::fromUtf8(record.GetKey())});
+    table.AddRow({Text::tr("Key"), QString::fromLatin1(record.GetKey())});
     const QList<QByteArray> extensions = ExtensionsOf(record);
     for (const QByteArray& extension : extensions) {
         const QMetaObject* const type = ClassOf(record, extension);
@@ -50,7 +50,8 @@ void PrintStockForms(const QList<ZAXMatDefinition>& stockForms, Output& output)
                       RecordText(stockForm, ZAXMatPackaging::Property_width),
                       RecordText(stockForm, ZAXMatPackaging::Property_cost),
                       RecordText(stockForm, ZAXMatPackaging::Property_isActive),
-                      RecordText(stockForm, ZAXMatPackaging::Property_comment), QString::fromUtf8(stockForm.GetKey())});
+                      RecordText(stockForm, ZAXMatPackaging::Property_comment),
+                      QString::fromLatin1(stockForm.GetKey())});
     }
     output.Print(QString());
     output.Print(stockForms.isEmpty() ? Text::tr("No stock forms.") : table.ToText());
