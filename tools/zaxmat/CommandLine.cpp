@@ -2,9 +2,13 @@
 
 #include "CheckCommand.h"
 #include "CommandOptions.h"
+#include "CompletionCommand.h"
 #include "DiffCommand.h"
+#include "ExportCommand.h"
+#include "DocumentCommand.h"
 #include "Failure.h"
 #include "ListCommand.h"
+#include "ManualCommand.h"
 #include "Output.h"
 #include "ShowCommand.h"
 #include "Text.h"
@@ -45,6 +49,10 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddListCommand(*program, request.action);
     AddShowCommand(*program, request.action);
     AddUseCommand(*program, request.action);
+    AddDocumentCommand(*program, request.action);
+    AddCompletionCommand(*program, request.action);
+    AddManualCommand(*program, request.action);
+    AddExportCommand(*program, request.action);
     AddDiffCommand(*program, request.action);
     AddCheckCommand(*program, request.action);
     AddOutputOptions(*program, request.output);
@@ -57,8 +65,8 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
 QString InvocationOf(const CLI::App& program)
 {
     const auto commands = program.get_subcommands();
-    return QString::fromStdString(commands.empty() ? program.get_name()
-                                                   : program.get_name() + ' ' + commands.back()->get_name());
+    const QString name = QString::fromStdString(program.get_name());
+    return commands.empty() ? name : name + u' ' + InvocationOf(*commands.back());
 }
 
 /// What \a arguments ask for.

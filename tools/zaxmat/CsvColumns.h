@@ -1,17 +1,19 @@
 #ifndef ZAXMAT_CSVCOLUMNS_H
 #define ZAXMAT_CSVCOLUMNS_H
 
+#include "Schema.h"
+#include "Values.h"
+
 #include "ZAXMatDefinition.h"
 #include "ZAXSysValue.h"
 
-#include <QByteArray>
 #include <QList>
+#include <QMetaProperty>
 #include <QString>
-#include <QStringList>
 #include <QVariant>
 
+#include <array>
 #include <optional>
-#include <stdexcept>
 
 namespace zaxmat {
 
@@ -28,34 +30,20 @@ struct CsvColumn
     };
 
     Kind kind = Kind::Property;
-    QByteArray extension;
-    QByteArray property;
-    /// What is written in brackets; empty for the unit that the catalogue counts in.
-    QString unit;
     /// The column's field without the unit.
     QString field;
+    /// Of a property.
+    PropertyName name = {};
+    /// What is written in brackets behind a property.
+    QString unit = {};
 };
-
-/// A title or a cell that cannot be understood.
-class CsvColumnError : public std::runtime_error
-{
-public:
-    explicit CsvColumnError(const QString& message) : std::runtime_error(message.toStdString()) {}
-    QString GetMessage() const { return QString::fromUtf8(what()); }
-};
-
-/// The quantity that the property is of, for materials or stock forms; empty for none.
-std::optional<ZAXSysQuantity> QuantityOf(const QByteArray& extension, const QByteArray& property);
-
-/// Whether a class that is known declares the property, for materials or stock forms.
-bool IsDeclared(const QByteArray& extension, const QByteArray& property);
 
 /// The column of a property in the unit that the catalogue counts in.
-CsvColumn PropertyColumn(const QByteArray& extension, const QByteArray& property);
+CsvColumn PropertyColumn(const PropertyName& name);
 /// The title of the column, "thickness [mm]".
 QString TitleOf(const CsvColumn& column);
 /// The column that \a title stands for, whether there is such a property or not.
-/// \throws CsvColumnError for a unit that the property does not have.
+/// \throws Failure (WrongUsage) for an empty title and for a unit that the property does not have.
 CsvColumn ColumnOf(const QString& title);
 
 /// The words of the "type" column.
@@ -66,22 +54,45 @@ std::optional<ZAXMatDefinition::Type> TypeOfWord(const QString& text);
 /// A value as a cell: its text to the last bit, whatever it is; null for no value.
 QString CellOf(const QVariant& value);
 
-/// Reads the cells of a file.
-struct CellReader
+/// Reads the cells of the columns of a file.
+class CellReader
 {
-    /// Whether numbers may have a decimal comma, as they may where commas do not separate cells.
-    bool allowsDecimalComma = false;
+public:
+    /// Numbers may have a decimal comma if \a allowsDecimalComma, as they may where commas do not separate cells.
+    CellReader(const QList<CsvColumn>& columns, bool allowsDecimalComma);
 
-    /// What \a record is to hold for the property of \a column when its cell holds \a text, which is not empty: what
-    /// it holds already when the two say the same.
-    /// \throws CsvColumnError when a record of that type has no such property, or it does not take the value.
-    QVariant Read(const CsvColumn& column, const ZAXMatDefinition& record, const QString& text) const;
+    /// Whether materials or stock forms have the property of the column \a column, as far as their classes are known.
+    bool IsProperty(qsizetype column, ZAXMatDefinition::Type type) const;
+
+    /// What \a record is to hold for the property of the column \a column, the cell of which holds \a text, not empty:
+    /// what it holds already when that says the same.
+    /// \throws Failure when a record of that type has no such property, or it does not take the value.
+    QVariant Read(qsizetype column, const ZAXMatDefinition& record, const QString& text) const;
+
+    /// A text that two values of the property have in common exactly when they are the same to the classes; lengths
+    /// and densities to a millionth.
+    QString Normalized(qsizetype column, ZAXMatDefinition::Type type, const QVariant& value) const;
 
 private:
-    QVariant ReadDeclared(const CsvColumn& column, const QMetaProperty& property, const QString& text) const;
-    QVariant ReadUndeclared(const QVariant& present, const QString& text) const;
-    std::optional<double> ReadNumber(const QString& text) const;
-    std::optional<double> ReadQuantity(const CsvColumn& column, ZAXSysQuantity quantity, const QString& text) const;
+    /// What a column is for records of a type.
+    struct Field
+    {
+        QMetaProperty property;
+        bool isSettable = false;
+    };
+
+    const Field& FieldOf(qsizetype column, ZAXMatDefinition::Type type) const;
+
+    struct Column
+    {
+        CsvColumn column;
+        ValueReading reading;
+        /// Whether cells hold the numbers of the catalogue.
+        bool isInternalUnit = true;
+        std::array<Field, 2> fields;
+    };
+
+    QList<Column> m_columns;
 };
 
 } // namespace zaxmat

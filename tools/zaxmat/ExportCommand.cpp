@@ -10,12 +10,9 @@
 #include "Text.h"
 
 #include "ZAXHostFileSaver.h"
-#include "ZAXMatJsonFileProvider.h"
 
 #include <QFileInfo>
 #include <QMultiHash>
-#include <QSet>
-#include <QUuid>
 
 #include <CLI/CLI.hpp>
 
@@ -48,24 +45,8 @@ QList<ZAXMatDefinition> RecordsOf(const Catalogue& catalogue)
     return records + orphans;
 }
 
-/// The properties that a catalogue stores of every record, without those that a cell cannot hold.
-QList<Field> BaseFields()
-{
-    // A provider that has no file, and whose id nobody else has.
-    const QByteArray id = QUuid::createUuid().toByteArray();
-    const ZAXMatJsonFileProvider provider(id, QString(), QString::fromLatin1(id));
-    QList<Field> fields;
-    for (const QByteArray& property :
-         provider.GetSupportedMaterialProperties({}) + provider.GetSupportedPackagingProperties({})) {
-        const bool isList = property.endsWith("Extensions");
-        if (!isList && !fields.contains(Field({}, property)))
-            fields.append({{}, property});
-    }
-    return fields;
-}
-
-/// The properties that hold a value in any of \a records, beyond those of every record.
-std::set<Field> MoreFields(const QList<ZAXMatDefinition>& records)
+/// The properties that hold a value in any of \a records and are not in \a known.
+std::set<Field> MoreFields(const QList<ZAXMatDefinition>& records, const QList<PropertyName>& known)
 {
     std::set<Field> fields;
     for (const ZAXMatDefinition& record : records) {
@@ -78,7 +59,24 @@ std::set<Field> MoreFields(const QList<ZAXMatDefinition>& records)
             }
         }
     }
+    for (const PropertyName& name : known)
+        fields.erase({name.extension, name.property});
     return fields;
+}
+
+/// What every record has: first what materials have, then what only stock forms do.
+QList<PropertyName> BaseFields()
+{
+    const Schema schema;
+    QList<PropertyName> names;
+    for (const auto type : {ZAXMatDefinition::Material, ZAXMatDefinition::Packaging}) {
+        const QList<QByteArray> properties = schema.GetProperties(type);
+        for (const QByteArray& property : properties) {
+            if (!names.contains(PropertyName{{}, property}))
+                names.append({{}, property});
+        }
+    }
+    return names;
 }
 
 QList<CsvColumn> ColumnsOf(const QList<ZAXMatDefinition>& records)
@@ -86,13 +84,10 @@ QList<CsvColumn> ColumnsOf(const QList<ZAXMatDefinition>& records)
     QList<CsvColumn> columns;
     for (const auto* const own : {"type", "key", "material", "name"})
         columns.append(ColumnOf(QLatin1String(own)));
-    const QList<Field> base = BaseFields();
-    for (const Field& field : base)
-        columns.append(PropertyColumn(field.first, field.second));
-    for (const Field& field : MoreFields(records)) {
-        if (!base.contains(field))
-            columns.append(PropertyColumn(field.first, field.second));
-    }
+    const QList<PropertyName> base = BaseFields();
+    std::ranges::transform(base, std::back_inserter(columns), PropertyColumn);
+    for (const Field& field : MoreFields(records, base))
+        columns.append(PropertyColumn({field.first, field.second}));
     return columns;
 }
 
@@ -111,7 +106,7 @@ QString CellText(const CsvColumn& column, const ZAXMatDefinition& record)
     case CsvColumn::Kind::Property:
         break;
     }
-    return CellOf(record.GetValue(column.property, column.extension));
+    return CellOf(record.GetValue(column.name.property, column.name.extension));
 }
 
 QByteArray ToCsv(const QList<ZAXMatDefinition>& records)
@@ -145,12 +140,12 @@ ExitCode RunExport(const ExportOptions& options, Output& output)
     RequireOtherFile(options.file, catalogue);
     const QList<ZAXMatDefinition> records = RecordsOf(catalogue);
     if (const ZAXHostResult saved = ZAXHostFileSaver::Save(options.file, ToCsv(records)); !saved)
-        throw Failure(ExitCode::FileFailure, Text::tr("The file %1 cannot be written: %2.")
-                                                 .arg(QuotedPath(options.file), saved.GetMessage()));
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The file %1 cannot be written: %2.").arg(QuotedPath(options.file), saved.GetMessage()));
     const qsizetype materials = catalogue.ReadMaterials().size();
-    output.Print(Text::tr("Written to %1: materials: %2, stock forms: %3")
-                     .arg(QuotedPath(options.file), QString::number(materials),
-                          QString::number(records.size() - materials)));
+    output.Print(
+        Text::tr("Written to %1: materials: %2, stock forms: %3")
+            .arg(QuotedPath(options.file), QString::number(materials), QString::number(records.size() - materials)));
     return ExitCode::Done;
 }
 
@@ -164,7 +159,8 @@ void AddExportCommand(CLI::App& program, Action& chosen)
         ->required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat export prices.csv --catalogue examples/catalogue"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunExport(*options, output); }; });
+    command->callback(
+        [options, &chosen] { chosen = [options](Output& output) { return RunExport(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -113,7 +113,7 @@ ExitCode RunUse(const UseOptions& options, Output& output)
     output.Print(isOpened ? Text::tr("Document %1").arg(path) : Text::tr("Document %1, new").arg(path));
     PrintBlock(PlacementTable(placement), output);
     PrintBlock(PropertyTable(*placement.material.feature), output);
-    PrintBlock(DocumentTree(*(placement.HasNew() ? reopened : document).GetContainer()), output);
+    PrintBlock(DocumentTree(*(placement.HasNew() ? reopened : document).GetContainer(), output.GetUnit()), output);
     PrintBlock(placement.HasNew() ? Text::tr("Document %1 saved; reopened, it is identical.").arg(path)
                                   : Text::tr("Document %1 holds all this already; nothing was written.").arg(path),
                output);
