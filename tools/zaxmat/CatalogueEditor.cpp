@@ -5,11 +5,9 @@
 #include "Text.h"
 
 #include "ZAXHostFileSaver.h"
-#include "ZAXMatJsonFileProvider.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QUuid>
 
 namespace zaxmat {
 
@@ -71,32 +69,6 @@ CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, MissingFile mi
 }
 
 CatalogueEditor::~CatalogueEditor() = default;
-
-ZAXMatDefinition CatalogueEditor::NewRecord(ZAXMatDefinition::Type type, const QString& name)
-{
-    // One that has no file, and whose id nobody else has.
-    if (!m_provider) {
-        const QByteArray id = QUuid::createUuid().toByteArray();
-        m_provider = std::make_unique<ZAXMatJsonFileProvider>(id, QString(), QString::fromLatin1(id));
-        m_models = {m_provider->CreateMaterial(QString()), m_provider->CreatePackaging(QString(), QByteArray())};
-    }
-    ZAXMatDefinition record = m_models[type];
-    record.SetKey(QUuid::createUuid().toByteArray(QUuid::WithBraces));
-    record.SetName(name);
-    return record;
-}
-
-ZAXMatDefinition CatalogueEditor::NewMaterial(const QString& name)
-{
-    return NewRecord(ZAXMatDefinition::Material, name);
-}
-
-ZAXMatDefinition CatalogueEditor::NewStockForm(const QString& name, const QByteArray& materialKey)
-{
-    ZAXMatDefinition record = NewRecord(ZAXMatDefinition::Packaging, name);
-    record.SetMaterialKey(materialKey);
-    return record;
-}
 
 ZAXMatDefinition CatalogueEditor::GetRecord(ZAXMatDefinition::Type type, const QByteArray& key) const
 {

@@ -7,13 +7,9 @@
 
 #include <QHash>
 
-#include <array>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
-
-class ZAXMatJsonFileProvider;
 
 namespace zaxmat {
 
@@ -30,7 +26,7 @@ struct CommitResult
 };
 
 /// A catalogue that is being changed. It is locked from the construction to the end. What is to become of its records
-/// is collected, and written all at once by Commit(), or not at all.
+/// is collected, and written all at once by Commit(), or not at all. Schema makes new records.
 class CatalogueEditor
 {
 public:
@@ -55,11 +51,6 @@ public:
     /// Whether the file was not there.
     bool IsNew() const { return m_isNew; }
 
-    /// A record with a new key and the properties that the catalogue's provider stores, without values. It is not in
-    /// the catalogue before SetRecord().
-    ZAXMatDefinition NewMaterial(const QString& name);
-    ZAXMatDefinition NewStockForm(const QString& name, const QByteArray& materialKey);
-
     /// The record as it is to be, after what was collected so far; invalid if there is none.
     ZAXMatDefinition GetRecord(ZAXMatDefinition::Type type, const QByteArray& key) const;
     /// Has the catalogue hold \a record, which must be valid, in the place of the one of its type and key, or besides
@@ -75,7 +66,6 @@ public:
     CommitResult Commit();
 
 private:
-    ZAXMatDefinition NewRecord(ZAXMatDefinition::Type type, const QString& name);
     void Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after);
     /// What was collected and is a change.
     QList<RecordEdit> Changes() const;
@@ -95,9 +85,6 @@ private:
     QList<RecordEdit> m_edits;
     /// Where in the list a record of that type and key is.
     QHash<std::pair<int, QByteArray>, qsizetype> m_places;
-    std::unique_ptr<ZAXMatJsonFileProvider> m_provider;
-    /// A new material and a new stock form.
-    std::array<ZAXMatDefinition, 2> m_models;
 };
 
 } // namespace zaxmat

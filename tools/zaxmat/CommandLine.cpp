@@ -1,7 +1,9 @@
 #include "CommandLine.h"
 
+#include "CheckCommand.h"
 #include "CommandOptions.h"
 #include "CompletionCommand.h"
+#include "DiffCommand.h"
 #include "DocumentCommand.h"
 #include "Failure.h"
 #include "ListCommand.h"
@@ -49,6 +51,8 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddDocumentCommand(*program, request.action);
     AddCompletionCommand(*program, request.action);
     AddManualCommand(*program, request.action);
+    AddDiffCommand(*program, request.action);
+    AddCheckCommand(*program, request.action);
     AddOutputOptions(*program, request.output);
     program->footer(
         Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
