@@ -44,7 +44,7 @@ ExitCode RunDocumentDuplicate(const DocumentDuplicateOptions& options, Output& o
     ZAXHostTransaction transaction(document.Get().GetUndo(), Text::tr("Duplicate"));
     Require(transaction.GetResult());
     ZAXFeatObject* const copy = ZAXHostDuplicator::Duplicate(source);
-    ApplySettings(*copy, options.settings);
+    SetObjectValues(*copy, options.settings);
     Complaints complaints;
     complaints.AddInvalidValues(*copy);
     complaints.Raise(options.document.file);

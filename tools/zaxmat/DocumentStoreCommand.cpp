@@ -4,10 +4,10 @@
 #include "Complaints.h"
 #include "DocumentObjects.h"
 #include "Failure.h"
-#include "Properties.h"
-#include "RecordDifference.h"
+#include "RecordChanges.h"
 #include "RecordLoading.h"
 #include "Records.h"
+#include "Schema.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -107,68 +107,45 @@ ZAXMatDefinition Bare(const ZAXMatDefinition& newRecord)
     return record;
 }
 
-/// Writes features to records, and tells what is different in these.
+/// Writes features to records, and keeps what these were.
 class Storing
 {
 public:
     explicit Storing(CatalogueEditor& editor) : m_editor(editor) {}
 
-    /// Stores \a feature in \a record or, if there is none, in \a newRecord. Returns what is stored.
-    ZAXMatDefinition Store(const ZAXFeatObject& feature, const std::optional<ZAXMatDefinition>& record,
-                           const ZAXMatDefinition& newRecord)
+    const Catalogue& GetCatalogue() const { return m_editor.GetCatalogue(); }
+
+    /// Stores \a feature in \a record or, if there is none, in \a newRecord. Returns the key of the record.
+    QByteArray Store(const ZAXFeatObject& feature, const std::optional<ZAXMatDefinition>& record,
+                     const ZAXMatDefinition& newRecord)
     {
         ZAXMatDefinition stored = record ? *record : Bare(newRecord);
         LoadRecord(stored, feature, !record);
         m_editor.SetRecord(stored);
-        AddRows(record.value_or(ZAXMatDefinition()), stored);
-        return stored;
+        if (record)
+            m_before.append(*record);
+        m_after.append(stored);
+        return stored.GetKey();
     }
 
-    const Table& GetTable() const { return m_table; }
+    /// What is different in the records.
+    QList<RecordChange> GetChanges() const { return RecordChanges(m_before, m_after); }
 
 private:
-    static Cell CellOf(const ZAXMatDefinition& record, const FieldDifference& field, const QVariant& value,
-                       Emphasis emphasis)
-    {
-        if (IsMissing(value))
-            return {QLatin1String("-"), QJsonValue()};
-        const QMetaProperty property = FindProperty(ClassOf(record, field.extension), field.property);
-        return {ValueText(property, value), QJsonValue::fromVariant(value), emphasis};
-    }
-
-    void AddRows(const ZAXMatDefinition& before, const ZAXMatDefinition& after)
-    {
-        const QList<FieldDifference> differences = DifferencesOf(before, after);
-        for (const FieldDifference& field : differences) {
-            m_table.AddRow({QString::fromLatin1(after.GetKey()),
-                            after.GetName(),
-                            {QString(), QLatin1String(before.IsValid() ? "changed" : "added")},
-                            field.field,
-                            CellOf(after, field, field.before, Emphasis::Removed),
-                            CellOf(after, field, field.after, Emphasis::Added)});
-        }
-    }
-
     CatalogueEditor& m_editor;
-    Table m_table{{{QString(), Table::Alignment::Left, QLatin1String("key")},
-                   {Text::tr("Record"), Table::Alignment::Left, QLatin1String("name")},
-                   {QString(), Table::Alignment::Left, QLatin1String("change")},
-                   {Text::tr("Property"), Table::Alignment::Left, QLatin1String("property")},
-                   {Text::tr("Before"), Table::Alignment::Left, QLatin1String("old")},
-                   {Text::tr("Now"), Table::Alignment::Left, QLatin1String("new")}}};
+    QList<ZAXMatDefinition> m_before;
+    QList<ZAXMatDefinition> m_after;
 };
 
-void StoreStockForms(const ZAXMatMaterial& material, const QByteArray& materialKey, CatalogueEditor& editor,
-                     Storing& storing)
+void StoreStockForms(const ZAXMatMaterial& material, const QByteArray& materialKey, Storing& storing)
 {
-    const QList<ZAXMatDefinition> records = editor.GetCatalogue().GetStockForms(materialKey);
+    const QList<ZAXMatDefinition> records = storing.GetCatalogue().GetStockForms(materialKey);
     const QList<ZAXMatPackaging*> stockForms = material.GetPackaging();
     QList<QByteArray> taken;
     std::ranges::transform(stockForms, std::back_inserter(taken), &ZAXMatPackaging::GetRemoteKey);
     for (const ZAXMatPackaging* const stockForm : stockForms) {
-        const ZAXMatDefinition stored = storing.Store(*stockForm, RecordOf(records, *stockForm, taken),
-                                                      editor.NewStockForm(stockForm->GetLabel(), materialKey));
-        taken.append(stored.GetKey());
+        taken.append(storing.Store(*stockForm, RecordOf(records, *stockForm, taken),
+                                   Schema().NewStockForm(stockForm->GetLabel(), materialKey)));
     }
 }
 
@@ -196,15 +173,16 @@ ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
     CatalogueEditor editor(options.catalogue, CatalogueEditor::MissingFile::Create);
     const Catalogue& catalogue = editor.GetCatalogue();
     Storing storing(editor);
-    const ZAXMatDefinition record =
-        storing.Store(material, RecordOf(catalogue, material, options), editor.NewMaterial(material.GetLabel()));
+    const QByteArray key =
+        storing.Store(material, RecordOf(catalogue, material, options), Schema().NewMaterial(material.GetLabel()));
     if (options.hasStockForms)
-        StoreStockForms(material, record.GetKey(), editor, storing);
+        StoreStockForms(material, key, storing);
     NotePlaceholders(material, output);
     const CommitResult result = editor.Commit();
 
-    if (!storing.GetTable().IsEmpty() || output.GetFormat() != Format::Table) {
-        output.Print(storing.GetTable());
+    const QList<RecordChange> changes = storing.GetChanges();
+    if (!changes.isEmpty() || output.GetFormat() != Format::Table) {
+        output.Print(ChangesTable(changes));
         output.Print(QString());
     }
     const QString path = QuotedPath(catalogue.GetFilePath());

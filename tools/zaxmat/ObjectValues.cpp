@@ -11,25 +11,6 @@
 
 namespace zaxmat {
 
-namespace {
-
-QString DisplayText(const QMetaProperty& property, const QVariant& value, LengthUnit unit)
-{
-    return value.typeId() == qMetaTypeId<ZAXSysLengthValue>() ? LengthText(value.toDouble(), unit)
-                                                              : ValueText(property, value);
-}
-
-} // namespace
-
-QString LengthText(double length, LengthUnit unit)
-{
-    constexpr double inch = 25.4;
-    // Where a length is no whole number of inches, what is read is closer than any sheet is cut.
-    constexpr int digits = 9;
-    return unit == LengthUnit::Inch ? QString::number(length / inch, 'g', digits) + QLatin1String(" in")
-                                    : ZAXSysLengthValue(length).ToString();
-}
-
 QJsonValue PlainValue(const QMetaProperty& property, const QVariant& value)
 {
     if (IsMissing(value))
@@ -56,7 +37,7 @@ QList<ObjectValue> ValuesOf(const ZAXFeatObject& object, LengthUnit unit)
         const QMetaProperty property = type->property(i);
         const QVariant value = property.read(&object);
         if (property.isWritable())
-            values.append({property.name(), PropertyLabel(type, property.name()), DisplayText(property, value, unit),
+            values.append({property.name(), PropertyLabel(type, property.name()), ValueText(property, value, unit),
                            PlainValue(property, value)});
     }
     return values;
