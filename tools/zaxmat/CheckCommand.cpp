@@ -1,10 +1,10 @@
 #include "CheckCommand.h"
 
 #include "CatalogueCheck.h"
-#include "RecordFile.h"
 #include "Failure.h"
 #include "FileReplacement.h"
 #include "Output.h"
+#include "RecordFile.h"
 #include "Table.h"
 #include "Text.h"
 

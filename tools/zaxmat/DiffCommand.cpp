@@ -1,8 +1,8 @@
 #include "DiffCommand.h"
 
-#include "RecordFile.h"
 #include "Output.h"
 #include "RecordChanges.h"
+#include "RecordFile.h"
 #include "Text.h"
 
 #include <CLI/CLI.hpp>

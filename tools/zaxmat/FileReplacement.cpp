@@ -1,7 +1,7 @@
 #include "FileReplacement.h"
 
-#include "RecordFile.h"
 #include "Failure.h"
+#include "RecordFile.h"
 #include "Text.h"
 
 #include <QFile>

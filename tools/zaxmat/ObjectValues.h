@@ -2,6 +2,7 @@
 #define ZAXMAT_OBJECTVALUES_H
 
 #include "Output.h"
+#include "Properties.h"
 
 #include <QByteArray>
 #include <QJsonValue>
