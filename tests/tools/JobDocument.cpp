@@ -11,8 +11,8 @@ namespace {
 template <typename Feature>
 Feature* Make(ZAXHostDocument& document, ZAXFeatObject* parent, const QString& label)
 {
-    auto* const feature = qobject_cast<Feature*>(
-        document.GetContainer()->CreateInstance(Feature::staticMetaObject.className(), parent));
+    auto* const feature =
+        qobject_cast<Feature*>(document.GetContainer()->CreateInstance(Feature::staticMetaObject.className(), parent));
     feature->SetLabel(label);
     return feature;
 }

@@ -37,7 +37,8 @@ QList<QStringList> CommandsBelow(const QStringList& command)
     static const QRegularExpression line("^  ([a-z]+) ");
     const QString help = Help(command).out;
     QList<QStringList> commands;
-    for (const QString& text : help.section("Subcommands:\n", 1).section("\n\n", 0, 0).split('\n', Qt::SkipEmptyParts)) {
+    for (const QString& text :
+         help.section("Subcommands:\n", 1).section("\n\n", 0, 0).split('\n', Qt::SkipEmptyParts)) {
         const QStringList below = command + QStringList{line.match(text).captured(1)};
         commands << below << CommandsBelow(below);
     }
@@ -179,8 +180,8 @@ void tst_ZaxmatHelp::completionKnowsTheCommandLine_data()
     QTest::newRow("folder") << QStringList{"list", "--catalogue", "ex"} << "examples";
     QTest::newRow("no file where an object is named") << QStringList{"document", "show", "job.zaxdoc", "j"} << "";
     QTest::newRow("property") << QStringList{"document", "set", "job.zaxdoc", "@2", "thi"} << "thickness=";
-    QTest::newRow("second property")
-        << QStringList{"document", "set", "job.zaxdoc", "@2", "thickness", "=", "2", "wi"} << "width=";
+    QTest::newRow("second property") << QStringList{"document", "set", "job.zaxdoc", "@2", "thickness", "=", "2", "wi"}
+                                     << "width=";
     QTest::newRow("shell") << QStringList{"completion", ""} << "bash";
     QTest::newRow("nothing of the kind") << QStringList{"frob"} << "";
 }
