@@ -1,25 +1,29 @@
 #include "CheckCommand.h"
 
 #include "CatalogueCheck.h"
+#include "CatalogueFile.h"
 #include "Failure.h"
+#include "FileLock.h"
 #include "FileReplacement.h"
 #include "Output.h"
-#include "RecordFile.h"
 #include "Table.h"
 #include "Text.h"
+
+#include "ZAXHostFileSaver.h"
+
+#include <QFileInfo>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <optional>
 
 namespace zaxmat {
 
 namespace {
 
-QString PathOf(const CatalogueOptions& options)
-{
-    return CatalogueFileAt(options.directory.isEmpty() ? DefaultCatalogueDirectory() : options.directory);
-}
+/// How long to wait for others, in milliseconds.
+constexpr qint64 patience = 60000;
 
 /// What became of \a finding, for people.
 Cell StateOf(const Finding& finding, bool isFixing)
@@ -86,8 +90,11 @@ QString Fix(const QString& path, const QByteArray& bytes, const CatalogueCheck& 
 
 ExitCode RunCheck(const CheckOptions& options, Output& output)
 {
-    const QString path = PathOf(options.catalogue);
-    const QByteArray bytes = ReadRecordFile(path);
+    const QString path = CatalogueFilePath(options.catalogue);
+    std::optional<FileLock> lock;
+    if (options.isFixing && QFileInfo(path).isFile())
+        lock.emplace(ZAXHostFileSaver::TargetOf(path), patience);
+    const QByteArray bytes = ReadCatalogueFile(path);
     const CatalogueCheck check = CheckCatalogue(bytes);
     const bool isFixing = options.isFixing && std::ranges::any_of(check.findings, &Finding::isFixable);
     const QString copy = isFixing ? Fix(path, bytes, check) : QString();

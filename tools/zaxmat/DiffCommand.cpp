@@ -1,9 +1,12 @@
 #include "DiffCommand.h"
 
+#include "Catalogue.h"
 #include "Output.h"
 #include "RecordChanges.h"
-#include "RecordFile.h"
+#include "Records.h"
 #include "Text.h"
+
+#include <QFileInfo>
 
 #include <CLI/CLI.hpp>
 
@@ -12,6 +15,17 @@
 namespace zaxmat {
 
 namespace {
+
+/// The records of the catalogue in the folder or file \a path: its materials, then its stock forms, each by name.
+QList<ZAXMatDefinition> ReadRecords(const QString& path)
+{
+    const QString file = QFileInfo(path).isDir() ? CatalogueFilePath({path}) : path;
+    const Catalogue catalogue(file, ParseCatalogue(file, ReadCatalogueFile(file)));
+    QList<ZAXMatDefinition> stockForms;
+    std::ranges::transform(catalogue.ReadStockForms(), std::back_inserter(stockForms), &CatalogueRecord::ToDefinition);
+    SortRecords(stockForms);
+    return catalogue.GetMaterials() + stockForms;
+}
 
 QString CountText(const QList<RecordChange>& changes, RecordChange::Kind kind)
 {
@@ -33,8 +47,8 @@ void PrintSummary(const QList<RecordChange>& changes, Output& output)
 
 ExitCode RunDiff(const DiffOptions& options, Output& output)
 {
-    const QList<ZAXMatDefinition> before = ReadRecords(CatalogueFileAt(options.before));
-    const QList<ZAXMatDefinition> after = ReadRecords(CatalogueFileAt(options.after));
+    const QList<ZAXMatDefinition> before = ReadRecords(options.before);
+    const QList<ZAXMatDefinition> after = ReadRecords(options.after);
     const QList<RecordChange> changes = RecordChanges(before, after);
     if (!changes.isEmpty() || output.GetFormat() != Format::Table)
         output.Print(ChangesTable(changes));

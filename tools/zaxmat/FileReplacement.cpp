@@ -1,12 +1,13 @@
 #include "FileReplacement.h"
 
+#include "CatalogueFile.h"
 #include "Failure.h"
-#include "RecordFile.h"
 #include "Text.h"
+
+#include "ZAXHostFileSaver.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace zaxmat {
 
@@ -16,20 +17,6 @@ Failure Unwritable(const QString& path, const QString& why)
 {
     return {ExitCode::FileFailure,
             Text::tr("%1 cannot be written: %2. The catalogue is as it was.").arg(QuotedPath(path), why)};
-}
-
-/// Writes aside what is to take the place of the file. Empty, or why that failed.
-QString WriteAside(const QString& path, const QByteArray& bytes)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return file.errorString();
-    // The file's own permissions: those that the current user has by being the superuser do not count.
-    constexpr auto currentUser = QFileDevice::ReadUser | QFileDevice::WriteUser | QFileDevice::ExeUser;
-    file.setPermissions(QFile::permissions(path) & ~currentUser);
-    if (file.write(bytes) != bytes.size() || !file.flush())
-        file.cancelWriting();
-    return file.commit() ? QString() : file.errorString();
 }
 
 } // namespace
@@ -53,21 +40,20 @@ QString KeepCopy(const QString& path, const QByteArray& bytes)
         copy.remove();
         throw Unwritable(copy.fileName(), reason);
     }
-    if (ReadRecordFile(copy.fileName()) != bytes)
+    if (ReadCatalogueFile(copy.fileName()) != bytes)
         throw Unwritable(copy.fileName(), Text::tr("it does not hold what was written"));
     return copy.fileName();
 }
 
 void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes)
 {
-    if (ReadRecordFile(path) != before)
+    if (ReadCatalogueFile(path) != before)
         throw Failure(ExitCode::FileChanged,
                       Text::tr("Somebody else changed the catalogue %1 meanwhile. Nothing was written; try again.")
                           .arg(QuotedPath(path)));
-    const QString reason = WriteAside(path, bytes);
-    if (!reason.isEmpty())
-        throw Unwritable(path, reason);
-    if (ReadRecordFile(path) != bytes)
+    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(path, bytes); !saved)
+        throw Unwritable(path, saved.GetMessage());
+    if (ReadCatalogueFile(path) != bytes)
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The catalogue %1 does not hold what was written to it.").arg(QuotedPath(path)));
 }

@@ -7,53 +7,12 @@
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSet>
 
 #include <algorithm>
 
 namespace zaxmat {
 
 namespace {
-
-/// Whether a record would take both for the same value.
-bool IsSameValue(const QVariant& a, const QVariant& b)
-{
-    if (IsMissing(a) || IsMissing(b))
-        return IsMissing(a) && IsMissing(b);
-    ZAXMatDefinition first;
-    first.SetValue("value", a);
-    ZAXMatDefinition second;
-    second.SetValue("value", b);
-    return first == second;
-}
-
-void CompareOwn(const QByteArray& field, const QVariant& before, const QVariant& after, QList<FieldChange>& changes)
-{
-    if (before != after)
-        changes.append({{}, field, true, before, after});
-}
-
-/// The properties under \a extension of either record, those of \a after last.
-QList<QByteArray> PropertiesOfBoth(const ZAXMatDefinition& before, const ZAXMatDefinition& after,
-                                   const QByteArray& extension)
-{
-    QList<QByteArray> properties = PropertiesOf(before, extension);
-    const QSet<QByteArray> known(properties.begin(), properties.end());
-    const QList<QByteArray> more = PropertiesOf(after, extension);
-    std::ranges::copy_if(more, std::back_inserter(properties),
-                         [&](const QByteArray& property) { return !known.contains(property); });
-    return properties;
-}
-
-QList<QByteArray> ExtensionsOfBoth(const ZAXMatDefinition& before, const ZAXMatDefinition& after)
-{
-    QList<QByteArray> extensions = ExtensionsOf(before);
-    const QList<QByteArray> more = ExtensionsOf(after);
-    std::ranges::copy_if(more, std::back_inserter(extensions),
-                         [before = extensions](const QByteArray& extension) { return !before.contains(extension); });
-    std::ranges::sort(extensions);
-    return extensions;
-}
 
 using Identity = std::pair<int, QByteArray>;
 
@@ -97,12 +56,6 @@ QString ChangeTitle(RecordChange::Kind kind)
     return Text::tr("changed");
 }
 
-QString FieldName(const FieldChange& field)
-{
-    const QString name = QString::fromLatin1(field.field);
-    return field.extension.isEmpty() ? name : QString::fromLatin1(field.extension) + u'.' + name;
-}
-
 /// A value as a catalogue's file has it.
 QString JsonValueText(const QVariant& value)
 {
@@ -111,10 +64,10 @@ QString JsonValueText(const QVariant& value)
 }
 
 /// The two values of \a field of \a record.
-std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldChange& field)
+std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldDifference& field)
 {
     const QMetaProperty property =
-        field.isOwn ? QMetaProperty() : FindProperty(ClassOf(record, field.extension), field.field);
+        field.property.isEmpty() ? QMetaProperty() : FindProperty(ClassOf(record, field.extension), field.property);
     QString before = ValueText(property, field.before);
     QString after = ValueText(property, field.after);
     // The number 5 and the text "5".
@@ -130,28 +83,6 @@ std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldChan
 
 } // namespace
 
-QList<FieldChange> FieldChanges(const ZAXMatDefinition& before, const ZAXMatDefinition& after)
-{
-    QList<FieldChange> changes;
-    CompareOwn("name", before.GetName(), after.GetName(), changes);
-    CompareOwn("type", int(before.GetType()), int(after.GetType()), changes);
-    CompareOwn("materialKey", QString::fromLatin1(before.GetMaterialKey()), QString::fromLatin1(after.GetMaterialKey()),
-               changes);
-    if (before == after)
-        return changes;
-    const QList<QByteArray> extensions = ExtensionsOfBoth(before, after);
-    for (const QByteArray& extension : extensions) {
-        const QList<QByteArray> properties = PropertiesOfBoth(before, after, extension);
-        for (const QByteArray& property : properties) {
-            const QVariant old = before.GetValue(property, extension);
-            const QVariant now = after.GetValue(property, extension);
-            if (!IsSameValue(old, now))
-                changes.append({extension, property, false, old, now});
-        }
-    }
-    return changes;
-}
-
 QList<RecordChange> RecordChanges(const QList<ZAXMatDefinition>& before, const QList<ZAXMatDefinition>& after)
 {
     const auto old = ByIdentity(before);
@@ -159,7 +90,7 @@ QList<RecordChange> RecordChanges(const QList<ZAXMatDefinition>& before, const Q
     QList<RecordChange> changes;
     for (const ZAXMatDefinition& record : after) {
         const ZAXMatDefinition* const was = old.value(IdentityOf(record));
-        const QList<FieldChange> fields = was ? FieldChanges(*was, record) : QList<FieldChange>();
+        const QList<FieldDifference> fields = was ? DifferencesOf(*was, record) : QList<FieldDifference>();
         if (!was)
             changes.append({RecordChange::Kind::Added, record, {}});
         else if (!fields.isEmpty())
@@ -205,9 +136,9 @@ Table ChangesTable(const QList<RecordChange>& changes)
         const Cell nothing{QString(), QJsonValue()};
         if (change.fields.isEmpty())
             table.AddRow({word, type, name, nothing, nothing, nothing, key});
-        for (const FieldChange& field : change.fields) {
+        for (const FieldDifference& field : change.fields) {
             const auto [before, after] = ValueCells(record, field);
-            table.AddRow({word, type, name, FieldName(field), before, after, key});
+            table.AddRow({word, type, name, field.field, before, after, key});
         }
     }
     return table;
