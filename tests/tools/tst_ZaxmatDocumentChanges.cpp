@@ -1,5 +1,6 @@
 #include "JobDocument.h"
 
+#include "ZAXGeoContainer.h"
 #include "ZAXHostDocument.h"
 
 #include <QCoreApplication>

@@ -222,7 +222,7 @@ void tst_ZaxmatDocumentStore::unclearRecordIsRefused_data()
                                       << "Several materials are called \"Structural steel\". Choose one by its key:\n";
     QTest::newRow("no material") << QStringList{"@3"}
                                  << "\"Materials Root/Steel - 2 mm/Sheet large\" is no material.\n";
-    QTest::newRow("both ways") << QStringList{"@2", "--record", "steel-2", "--new"} << "--new excludes --record\n";
+    QTest::newRow("both ways") << QStringList{"@2", "--record", "steel-2", "--new"} << "--record excludes --new\n";
     QTest::newRow("unknown material") << QStringList{"Gold"}
                                       << "The document \"job ø 1.zaxdoc\" has no object \"Gold\".";
 }

@@ -212,8 +212,8 @@ void AddDocumentStoreCommand(CLI::App& program, Action& chosen)
         Utf8(Text::tr("Lengths and densities are stored as plain numbers. Records that the catalogue has of "
                       "other stock forms stay.")));
     AddExample(*command,
-               QLatin1String("zaxmat document store job.zaxdoc S235JR --stock-forms --catalogue examples/catalogue"));
-    AddExample(*command, QLatin1String("zaxmat document store job.zaxdoc S235JR --new --catalogue examples/catalogue"));
+               QLatin1String("zaxmat document store job.zaxdoc S235JR --stock-forms"));
+    AddExample(*command, QLatin1String("zaxmat document store job.zaxdoc S235JR --new"));
     command->callback(
         [options, &chosen] { chosen = [options](Output& output) { return RunDocumentStore(*options, output); }; });
 }
