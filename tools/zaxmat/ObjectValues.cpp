@@ -21,15 +21,6 @@ QString DisplayText(const QMetaProperty& property, const QVariant& value, Length
 
 } // namespace
 
-QString LengthText(double length, LengthUnit unit)
-{
-    constexpr double inch = 25.4;
-    // Where a length is no whole number of inches, what is read is closer than any sheet is cut.
-    constexpr int digits = 9;
-    return unit == LengthUnit::Inch ? QString::number(length / inch, 'g', digits) + QLatin1String(" in")
-                                    : ZAXSysLengthValue(length).ToString();
-}
-
 QJsonValue PlainValue(const QMetaProperty& property, const QVariant& value)
 {
     if (IsMissing(value))

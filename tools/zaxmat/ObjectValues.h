@@ -2,6 +2,7 @@
 #define ZAXMAT_OBJECTVALUES_H
 
 #include "Output.h"
+#include "Properties.h"
 
 #include <QByteArray>
 #include <QJsonValue>
@@ -12,9 +13,6 @@
 class ZAXFeatObject;
 
 namespace zaxmat {
-
-/// \a length, in millimetres, with the unit that lengths are displayed in.
-QString LengthText(double length, LengthUnit unit);
 
 /// \a value of \a property as catalogues and programs hold it: lengths and densities as plain numbers in millimetres
 /// and grams per cubic centimetre, enumerators by their own names, byte strings as Latin-1, colours as "#rrggbb".

@@ -141,13 +141,9 @@ QString LengthText(double millimetres, LengthUnit unit)
 {
     if (unit == LengthUnit::Millimetre)
         return ZAXSysLengthValue(millimetres).ToString();
-    constexpr int decimals = 5;
-    QString number = QString::number(millimetres / millimetresPerInch, 'f', decimals);
-    while (number.endsWith(u'0'))
-        number.chop(1);
-    if (number.endsWith(u'.'))
-        number.chop(1);
-    return number + QLatin1String(" in");
+    // Where a length is no whole number of inches, what is read is closer than any sheet is cut.
+    constexpr int digits = 9;
+    return QString::number(millimetres / millimetresPerInch, 'g', digits) + QLatin1String(" in");
 }
 
 QString RecordText(const ZAXMatDefinition& record, const QByteArray& name, const QByteArray& extension, LengthUnit unit)

@@ -40,7 +40,7 @@ QString PropertyLabel(const QMetaObject* type, const QByteArray& name);
 bool IsAccepted(const QMetaProperty& property, const QVariant& value);
 
 /// \a value as the user reads it, after \a property has taken it, with its unit and independent of the locale: a length
-/// in millimetres with all its digits, or in inches with five decimals at most. A value
+/// in millimetres with all its digits, or in inches with nine digits at most. A value
 /// that an invalid \a property or one that does not accept it cannot take reads as it stands, a missing one as "-".
 QString ValueText(const QMetaProperty& property, const QVariant& value, LengthUnit unit = LengthUnit::Millimetre);
 
