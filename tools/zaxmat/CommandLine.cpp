@@ -4,9 +4,10 @@
 #include "CommandOptions.h"
 #include "CompletionCommand.h"
 #include "DiffCommand.h"
-#include "ExportCommand.h"
 #include "DocumentCommand.h"
+#include "ExportCommand.h"
 #include "Failure.h"
+#include "ImportCommand.h"
 #include "ListCommand.h"
 #include "ManualCommand.h"
 #include "Output.h"
@@ -52,6 +53,7 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddDocumentCommand(*program, request.action);
     AddCompletionCommand(*program, request.action);
     AddManualCommand(*program, request.action);
+    AddImportCommand(*program, request.action);
     AddExportCommand(*program, request.action);
     AddDiffCommand(*program, request.action);
     AddCheckCommand(*program, request.action);
