@@ -43,6 +43,7 @@ QByteArray ToText(const QJsonObject& root)
 CommitResult CountEdits(const QList<RecordEdit>& edits)
 {
     CommitResult result;
+    result.edits = edits;
     for (const RecordEdit& edit : edits) {
         if (!edit.before.IsValid())
             ++result.added;

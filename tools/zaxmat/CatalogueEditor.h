@@ -23,6 +23,8 @@ struct CommitResult
     bool isWritten = false;
     /// Whether somebody else had changed the file meanwhile, and both changes are in it now.
     bool isMerged = false;
+    /// What was done.
+    QList<RecordEdit> edits = {};
 };
 
 /// A catalogue that is being changed. It is locked from the construction to the end. What is to become of its records

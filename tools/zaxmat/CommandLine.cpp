@@ -1,16 +1,22 @@
 #include "CommandLine.h"
 
+#include "AddCommand.h"
 #include "CheckCommand.h"
 #include "CommandOptions.h"
 #include "CompletionCommand.h"
+#include "CopyCommand.h"
 #include "DiffCommand.h"
 #include "DocumentCommand.h"
 #include "ExportCommand.h"
 #include "Failure.h"
+#include "FindCommand.h"
 #include "ImportCommand.h"
 #include "ListCommand.h"
 #include "ManualCommand.h"
 #include "Output.h"
+#include "RemoveCommand.h"
+#include "RenameCommand.h"
+#include "SetCommand.h"
 #include "ShowCommand.h"
 #include "Text.h"
 #include "UseCommand.h"
@@ -49,6 +55,12 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     program->set_version_flag("--version", "zaxmat " ZAXMAT_VERSION, Utf8(Text::tr("Prints the version.")));
     AddListCommand(*program, request.action);
     AddShowCommand(*program, request.action);
+    AddFindCommand(*program, request.action);
+    AddAddCommand(*program, request.action);
+    AddSetCommand(*program, request.action);
+    AddRenameCommand(*program, request.action);
+    AddCopyCommand(*program, request.action);
+    AddRemoveCommand(*program, request.action);
     AddUseCommand(*program, request.action);
     AddDocumentCommand(*program, request.action);
     AddCompletionCommand(*program, request.action);

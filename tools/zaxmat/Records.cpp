@@ -8,6 +8,8 @@
 #include "ZAXMatMaterial.h"
 #include "ZAXSysDefinedValue.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -134,12 +136,35 @@ QList<ZAXMatDefinition> FindStockForms(const QList<ZAXMatDefinition>& stockForms
     return FindByKeyOrName(stockForms, text);
 }
 
-QString MaterialTitle(const ZAXMatDefinition& material)
+QList<ZAXMatDefinition> FindStockForms(const Catalogue& catalogue, const QString& text)
+{
+    QList<ZAXMatDefinition> found;
+    const auto records = FindByKeyOrName(catalogue.ReadStockForms(), text);
+    // The materials in their order, and below each the stock forms in theirs.
+    QSet<QByteArray> materialKeys;
+    for (const CatalogueRecord& record : records)
+        materialKeys.insert(record.GetMaterialKey());
+    const auto materials = Definitions(Matching(catalogue.ReadMaterials(), [&](const CatalogueRecord& material) {
+        return materialKeys.contains(material.GetKey());
+    }));
+    for (const ZAXMatDefinition& material : materials) {
+        const QByteArray key = material.GetKey();
+        materialKeys.remove(key);
+        found += Definitions(
+            Matching(records, [&](const CatalogueRecord& record) { return record.GetMaterialKey() == key; }));
+    }
+    // Those of no material come last.
+    return found + Definitions(Matching(records, [&](const CatalogueRecord& record) {
+               return materialKeys.contains(record.GetMaterialKey());
+           }));
+}
+
+QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit)
 {
     const auto thickness = ThicknessOf(material);
     if (!thickness)
         return material.GetName();
-    return material.GetName() + QLatin1String(", ") + ZAXSysLengthValue(*thickness).ToString();
+    return material.GetName() + QLatin1String(", ") + LengthText(*thickness, unit);
 }
 
 QString MaterialLines(const QList<ZAXMatDefinition>& materials)

@@ -1,6 +1,8 @@
 #ifndef ZAXMAT_RECORDS_H
 #define ZAXMAT_RECORDS_H
 
+#include "Output.h"
+
 #include "ZAXMatDefinition.h"
 
 #include <QList>
@@ -33,8 +35,12 @@ QList<ZAXMatDefinition> FindMaterials(const Catalogue& catalogue, const QString&
 /// Those of \a stockForms that \a text stands for: the one with that key, else those of that name.
 QList<ZAXMatDefinition> FindStockForms(const QList<ZAXMatDefinition>& stockForms, const QString& text);
 
+/// The stock forms of the whole catalogue that \a text stands for: the one with that key, else those of that name, in
+/// the order of their materials.
+QList<ZAXMatDefinition> FindStockForms(const Catalogue& catalogue, const QString& text);
+
 /// The name of a material with its thickness, where it has one.
-QString MaterialTitle(const ZAXMatDefinition& material);
+QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit = LengthUnit::Millimetre);
 
 /// The materials for a message, one per line, with what tells them apart.
 QString MaterialLines(const QList<ZAXMatDefinition>& materials);
