@@ -301,7 +301,7 @@ void tst_ZaxmatCheck::fixesOnlyWhatIsSafe()
         "\"1e1\", \"isActive\":\"false\"}}} }\n";
     const QByteArray after =
         "{ \"m\": {\"key\":\"m\",\"name\":\"\",\"type\":0,\"properties\":{\"\":{\"thickness\": 2.0,\"bent\":1}}},\n"
-        "\"s\": {\"key\":\"s\",\"name\":\"\",\"materialKey\":\"m\",\"type\":1,\"properties\":{\"\":{\"cost\":10, "
+        "\"s\": {\"key\":\"s\",\"name\":\"\",\"materialKey\":\"m\",\"type\":1,\"properties\":{\"\":{\"cost\":10,"
         "\"isActive\":false}}} }\n";
     Workshop::Write(workshop.CatalogueFile(), before);
     const Run run = workshop.Zaxmat({"check", "--fix", "--format", "json"});
@@ -432,8 +432,8 @@ void tst_ZaxmatCheck::printsJsonAndCsv()
     QCOMPARE(workshop.Zaxmat({"check", "--format", "csv"}).out,
              "line,column,problem,name,key,property,message,isFixable,isFixed\r\n"
              "2,91,wrong-kind,s,s,cost,\"cost is \"\"5\"\", but must be a number\",true,false\r\n");
-    QCOMPARE(workshop.Zaxmat({"check"}).out, "Line  Column  Record  Problem                             Can be mended\n"
-                                             "----  ------  ------  ----------------------------------  -------------\n"
+    QCOMPARE(workshop.Zaxmat({"check"}).out, "Line  Column  Record  Problem                            Can be mended\n"
+                                             "----  ------  ------  ---------------------------------  -------------\n"
                                              "   2      91  s       cost is \"5\", but must be a number  yes\n"
                                              "\n"
                                              "Catalogue \"" +
