@@ -10,6 +10,7 @@
 #include "ExportCommand.h"
 #include "Failure.h"
 #include "FindCommand.h"
+#include "ImportCommand.h"
 #include "ListCommand.h"
 #include "ManualCommand.h"
 #include "Output.h"
@@ -64,6 +65,7 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddDocumentCommand(*program, request.action);
     AddCompletionCommand(*program, request.action);
     AddManualCommand(*program, request.action);
+    AddImportCommand(*program, request.action);
     AddExportCommand(*program, request.action);
     AddDiffCommand(*program, request.action);
     AddCheckCommand(*program, request.action);

@@ -18,11 +18,23 @@ QString FromUtf8(const std::string& text)
     return QString::fromStdString(text);
 }
 
+// Texts stand apart from functions that return what lupdate has not read: it would not find their context there.
+
+QString EmptyText()
+{
+    return Text::tr("must not be empty");
+}
+
+QString NoChoiceText(const QString& text, const QString& words)
+{
+    return Text::tr("%1 is none of %2").arg(Quoted(text), words);
+}
+
 /// An option that refuses empty texts.
 CLI::Option* Described(CLI::Option* option, const QString& value)
 {
     return option->type_name(Utf8(value))->check([](const std::string& text) {
-        return text.empty() ? Utf8(Text::tr("must not be empty")) : std::string();
+        return text.empty() ? Utf8(EmptyText()) : std::string();
     });
 }
 
@@ -40,8 +52,7 @@ CLI::Option* AddChoice(CLI::App& command, const QString& name, const QString& de
     };
     const auto store = [find, &target](const std::string& text) { target = find(text).value(); };
     const auto check = [find, words](const std::string& text) {
-        return find(text) ? std::string()
-                          : Utf8(Text::tr("%1 is none of %2").arg(Quoted(FromUtf8(text)), FromUtf8(words)));
+        return find(text) ? std::string() : Utf8(NoChoiceText(FromUtf8(text), FromUtf8(words)));
     };
     return command.add_option_function<std::string>(Utf8(name), store, Utf8(description))
         ->type_name(words)

@@ -34,8 +34,9 @@ CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& val
                       QStringList& target);
 
 /// Adds a complete command line, from "zaxmat" on, to the examples that end the help of \a command, below what its
-/// footer says already. The examples work as they stand, in their order, in a folder that holds examples/catalogue, a
-/// document job.zaxdoc with a material of it, and the materials of it as prices.csv.
+/// footer says already. The examples of all commands work as they stand, one after the other, in a folder that holds
+/// examples/catalogue, which ZAXMAT_CATALOGUE names, a document job.zaxdoc with a material and a stock form of it, and
+/// its materials as prices.csv.
 void AddExample(CLI::App& command, const QString& commandLine);
 
 /// Declares a switch of \a command that sets \a target.

@@ -177,6 +177,12 @@ bool CellReader::IsProperty(qsizetype column, ZAXMatDefinition::Type type) const
     return FieldOf(column, type).isSettable;
 }
 
+bool CellReader::IsText(qsizetype column, ZAXMatDefinition::Type type) const
+{
+    const Field& field = FieldOf(column, type);
+    return field.isSettable && field.property.metaType() == QMetaType::fromType<QString>();
+}
+
 QVariant CellReader::Read(qsizetype column, const ZAXMatDefinition& record, const QString& text) const
 {
     const auto& [csv, reading, isInternalUnit, fields] = m_columns[column];

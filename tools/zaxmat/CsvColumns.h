@@ -64,6 +64,9 @@ public:
     /// Whether materials or stock forms have the property of the column \a column, as far as their classes are known.
     bool IsProperty(qsizetype column, ZAXMatDefinition::Type type) const;
 
+    /// Whether that property is a text.
+    bool IsText(qsizetype column, ZAXMatDefinition::Type type) const;
+
     /// What \a record is to hold for the property of the column \a column, the cell of which holds \a text, not empty:
     /// what it holds already when that says the same.
     /// \throws Failure when a record of that type has no such property, or it does not take the value.

@@ -51,7 +51,7 @@ ExitCode RunDiff(const DiffOptions& options, Output& output)
     const QList<ZAXMatDefinition> after = ReadRecords(options.after);
     const QList<RecordChange> changes = RecordChanges(before, after);
     if (!changes.isEmpty() || output.GetFormat() != Format::Table)
-        output.Print(ChangesTable(changes));
+        output.Print(ChangesTable(changes, output.GetUnit()));
     PrintSummary(changes, output);
     return changes.isEmpty() ? ExitCode::Done : ExitCode::InvalidValues;
 }

@@ -4,6 +4,7 @@
 #include "DocumentRemoveCommand.h"
 #include "DocumentSetCommand.h"
 #include "DocumentShowCommand.h"
+#include "DocumentStoreCommand.h"
 #include "DocumentTreeCommand.h"
 #include "DocumentValidateCommand.h"
 #include "Text.h"
@@ -23,6 +24,7 @@ void AddDocumentCommand(CLI::App& program, Action& chosen)
     AddDocumentDuplicateCommand(*command, chosen);
     AddDocumentRemoveCommand(*command, chosen);
     AddDocumentValidateCommand(*command, chosen);
+    AddDocumentStoreCommand(*command, chosen);
     command->footer(Utf8(Text::tr(
         "An object is named by its number in the tree (@12), by its name, label or catalogue key, by a path of names "
         "that ends with it (\"Structural steel - 2 mm/Sheet large\"), an extension by its class, or a material by its "

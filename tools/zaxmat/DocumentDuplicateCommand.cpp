@@ -44,7 +44,7 @@ ExitCode RunDocumentDuplicate(const DocumentDuplicateOptions& options, Output& o
     ZAXHostTransaction transaction(document.Get().GetUndo(), Text::tr("Duplicate"));
     Require(transaction.GetResult());
     ZAXFeatObject* const copy = ZAXHostDuplicator::Duplicate(source);
-    ApplySettings(*copy, options.settings);
+    SetObjectValues(*copy, options.settings);
     Complaints complaints;
     complaints.AddInvalidValues(*copy);
     complaints.Raise(options.document.file);
@@ -71,8 +71,7 @@ void AddDocumentDuplicateCommand(CLI::App& program, Action& chosen)
              Text::tr("What is to be different in the copy, as \"zaxmat document set\" takes it."), options->settings);
     command->footer(Utf8(Text::tr("The copy of a material gets an ID of its own, and is no longer linked to the "
                                   "catalogue.")));
-    AddExample(*command,
-               QLatin1String("zaxmat document duplicate job.zaxdoc \"Sheet 1250 x 2500\" width=1500 length=3000"));
+    AddExample(*command, QLatin1String("zaxmat document duplicate job.zaxdoc S235JR thickness=3 label=Offcut"));
     command->callback(
         [options, &chosen] { chosen = [options](Output& output) { return RunDocumentDuplicate(*options, output); }; });
 }

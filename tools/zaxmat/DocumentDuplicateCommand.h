@@ -11,7 +11,7 @@ struct DocumentDuplicateOptions
     DocumentOptions document;
     /// An object, as FindObject() reads it.
     QString object;
-    /// What is to be different in the copy: "property=value", as ApplySettings() reads them.
+    /// What is to be different in the copy: "property=value", as SetObjectValues() reads them.
     QStringList settings;
 };
 

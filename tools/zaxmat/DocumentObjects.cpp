@@ -6,6 +6,7 @@
 
 #include "ZAXFeatContainer.h"
 #include "ZAXHostDocument.h"
+#include "ZAXHostPlaceholder.h"
 #include "ZAXMatMaterial.h"
 #include "ZAXMatMaterialExtension.h"
 #include "ZAXMatPackaging.h"
@@ -30,6 +31,8 @@ QStringList NamesOf(const ZAXFeatObject& object)
         names << QString::fromLatin1(stockForm->GetRemoteKey());
     if (qobject_cast<const ZAXMatMaterialExtension*>(&object) || qobject_cast<const ZAXMatPackagingExtension*>(&object))
         names << QString::fromLatin1(object.metaObject()->className());
+    if (qobject_cast<const ZAXHostPlaceholder*>(&object))
+        names << ObjectName(object);
     names.removeAll(QString());
     return names;
 }
@@ -103,6 +106,8 @@ QString UnknownObjectText(const ZAXHostDocument& document, const QList<ZAXFeatOb
 
 QString ObjectName(const ZAXFeatObject& object)
 {
+    if (const auto* const placeholder = qobject_cast<const ZAXHostPlaceholder*>(&object))
+        return QString::fromUtf8(placeholder->GetClassName());
     const auto* const material = qobject_cast<const ZAXMatMaterial*>(&object);
     return material && !material->GetMaterialId().isEmpty() ? material->GetMaterialId() : object.GetLabel();
 }

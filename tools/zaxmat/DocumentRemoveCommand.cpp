@@ -87,8 +87,8 @@ void AddDocumentRemoveCommand(CLI::App& program, Action& chosen)
              Text::tr("The objects; \"zaxmat document --help\" says how."), options->objects)
         ->required();
     AddFlag(*command, QLatin1String("--yes"), Text::tr("Removes what is below the objects too."), options->isConfirmed);
-    AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc \"Sheet 1250 x 2500\""));
-    AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc S235JR --yes"));
+    AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc \"Offcut - 3 mm/Sheet 1250 x 2500\""));
+    AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc \"Offcut - 3 mm\" --yes"));
     command->callback(
         [options, &chosen] { chosen = [options](Output& output) { return RunDocumentRemove(*options, output); }; });
 }

@@ -23,7 +23,7 @@ ExitCode RunDocumentSet(const DocumentSetOptions& options, Output& output)
 
     ZAXHostTransaction transaction(document.Get().GetUndo(), Text::tr("Set"));
     Require(transaction.GetResult());
-    ApplySettings(*object, options.settings);
+    SetObjectValues(*object, options.settings);
     Complaints complaints;
     complaints.AddInvalidValues(*object);
     complaints.Raise(options.document.file);

@@ -11,7 +11,7 @@ struct DocumentSetOptions
     DocumentOptions document;
     /// An object, as FindObject() reads it.
     QString object;
-    /// "property=value", as ApplySettings() reads them.
+    /// "property=value", as SetObjectValues() reads them.
     QStringList settings;
 };
 

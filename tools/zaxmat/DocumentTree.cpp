@@ -1,6 +1,6 @@
 #include "DocumentTree.h"
 
-#include "ObjectValues.h"
+#include "Properties.h"
 #include "Text.h"
 
 #include "ZAXFeatContainer.h"

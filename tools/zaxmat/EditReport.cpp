@@ -27,7 +27,8 @@ void PrintEdits(const CommitResult& result, const QString& path, Output& output)
 {
     if (result.isWritten || output.GetFormat() != Format::Table) {
         output.Print(ChangesTable(
-            RecordChanges(Valid(result.edits, &RecordEdit::before), Valid(result.edits, &RecordEdit::after))));
+            RecordChanges(Valid(result.edits, &RecordEdit::before), Valid(result.edits, &RecordEdit::after)),
+            output.GetUnit()));
         output.Print(QString());
     }
     if (result.isMerged)

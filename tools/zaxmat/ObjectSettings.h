@@ -5,10 +5,6 @@
 
 class ZAXFeatObject;
 
-namespace CLI {
-class App;
-} // namespace CLI
-
 namespace zaxmat {
 
 /// Gives \a object what \a settings say, in their order: "label=TEXT"; "property=value" for a property of its class;
@@ -16,7 +12,7 @@ namespace zaxmat {
 /// none. The ID of a material follows its label and thickness until it is set itself. \throws Failure (WrongUsage) for
 /// what is no setting or names no such property; (InvalidValues) for a value that the property cannot take. Part of the
 /// settings may be done then.
-void ApplySettings(ZAXFeatObject& object, const QStringList& settings);
+void SetObjectValues(ZAXFeatObject& object, const QStringList& settings);
 
 } // namespace zaxmat
 

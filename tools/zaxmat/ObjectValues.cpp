@@ -11,16 +11,6 @@
 
 namespace zaxmat {
 
-namespace {
-
-QString DisplayText(const QMetaProperty& property, const QVariant& value, LengthUnit unit)
-{
-    return value.typeId() == qMetaTypeId<ZAXSysLengthValue>() ? LengthText(value.toDouble(), unit)
-                                                              : ValueText(property, value);
-}
-
-} // namespace
-
 QJsonValue PlainValue(const QMetaProperty& property, const QVariant& value)
 {
     if (IsMissing(value))
@@ -47,7 +37,7 @@ QList<ObjectValue> ValuesOf(const ZAXFeatObject& object, LengthUnit unit)
         const QMetaProperty property = type->property(i);
         const QVariant value = property.read(&object);
         if (property.isWritable())
-            values.append({property.name(), PropertyLabel(type, property.name()), DisplayText(property, value, unit),
+            values.append({property.name(), PropertyLabel(type, property.name()), ValueText(property, value, unit),
                            PlainValue(property, value)});
     }
     return values;

@@ -10,8 +10,9 @@ extern "C" Q_DECL_EXPORT int ZaxmatProgram(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("zaxmat"));
-    // The commands say themselves what is wrong with a catalogue. QT_LOGGING_RULES brings the library's words back.
-    QLoggingCategory::setFilterRules(QStringLiteral("zax.material.json=false"));
+    // The commands say themselves what is wrong with a catalogue, and which extension cannot be made. QT_LOGGING_RULES
+    // brings the library's words back.
+    QLoggingCategory::setFilterRules(QStringLiteral("zax.material.json=false\nzax.feature=false"));
     ZAXSysStartup::Start();
     return static_cast<int>(zaxmat::RunCommandLine(application.arguments().mid(1)));
 }

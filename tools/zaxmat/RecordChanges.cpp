@@ -63,24 +63,6 @@ QString JsonValueText(const QVariant& value)
     return QString::fromUtf8(array.sliced(1, array.size() - 2));
 }
 
-/// The two values of \a field of \a record.
-std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldDifference& field)
-{
-    const QMetaProperty property =
-        field.property.isEmpty() ? QMetaProperty() : FindProperty(ClassOf(record, field.extension), field.property);
-    QString before = ValueText(property, field.before);
-    QString after = ValueText(property, field.after);
-    // The number 5 and the text "5".
-    if (before == after) {
-        before = JsonValueText(field.before);
-        after = JsonValueText(field.after);
-    }
-    const auto json = [](const QVariant& value) {
-        return IsMissing(value) ? QJsonValue() : QJsonValue::fromVariant(value);
-    };
-    return {Cell(before, json(field.before)), Cell(after, json(field.after))};
-}
-
 } // namespace
 
 QList<RecordChange> RecordChanges(const QList<ZAXMatDefinition>& before, const QList<ZAXMatDefinition>& after)
@@ -116,7 +98,24 @@ QString ChangeWord(RecordChange::Kind kind)
     return QLatin1String("changed");
 }
 
-Table ChangesTable(const QList<RecordChange>& changes)
+std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldDifference& field, LengthUnit unit)
+{
+    const QMetaProperty property =
+        field.property.isEmpty() ? QMetaProperty() : FindProperty(ClassOf(record, field.extension), field.property);
+    QString before = ValueText(property, field.before, unit);
+    QString after = ValueText(property, field.after, unit);
+    // The number 5 and the text "5".
+    if (before == after) {
+        before = JsonValueText(field.before);
+        after = JsonValueText(field.after);
+    }
+    const auto json = [](const QVariant& value) {
+        return IsMissing(value) ? QJsonValue() : QJsonValue::fromVariant(value);
+    };
+    return {Cell(before, json(field.before)), Cell(after, json(field.after))};
+}
+
+Table ChangesTable(const QList<RecordChange>& changes, LengthUnit unit)
 {
     constexpr auto left = Table::Alignment::Left;
     Table table({{Text::tr("Change"), left, QLatin1String("change")},
@@ -137,7 +136,7 @@ Table ChangesTable(const QList<RecordChange>& changes)
         if (change.fields.isEmpty())
             table.AddRow({word, type, name, nothing, nothing, nothing, key});
         for (const FieldDifference& field : change.fields) {
-            const auto [before, after] = ValueCells(record, field);
+            const auto [before, after] = ValueCells(record, field, unit);
             table.AddRow({word, type, name, field.field, before, after, key});
         }
     }

@@ -1,6 +1,7 @@
 #ifndef ZAXMAT_RECORDCHANGES_H
 #define ZAXMAT_RECORDCHANGES_H
 
+#include "Output.h"
 #include "RecordDifference.h"
 #include "Table.h"
 
@@ -8,6 +9,8 @@
 
 #include <QList>
 #include <QString>
+
+#include <utility>
 
 namespace zaxmat {
 
@@ -36,7 +39,10 @@ QList<RecordChange> RecordChanges(const QList<ZAXMatDefinition>& before, const Q
 QString ChangeWord(RecordChange::Kind kind);
 
 /// The changes as a table with a row per record that was added or removed and per field that changed.
-Table ChangesTable(const QList<RecordChange>& changes);
+Table ChangesTable(const QList<RecordChange>& changes, LengthUnit unit = LengthUnit::Millimetre);
+
+/// The two values of \a field, a field of \a record, told apart even where they read alike, as 5 and "5" do.
+std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldDifference& field, LengthUnit unit);
 
 } // namespace zaxmat
 
