@@ -8,6 +8,7 @@
 #include "ZAXSysStartup.h"
 
 #include <QFileInfo>
+#include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -33,7 +34,11 @@ private slots:
     void otherThicknessMakesAnotherMaterial();
     void valuesKeepEveryBit();
     void missingValuesAreNoted();
+    void stockFormsToNameAreNotedWhereThereAreSome();
     void missingValuesDoNotComeFromTheDocument();
+    void quietUsePrintsWhatItTook();
+    void tellsProgramsWhatItDid();
+    void tellsProgramsThatNothingWasToDo();
     void materialIdIsMadeInAnyOrder_data();
     void materialIdIsMadeInAnyOrder();
     void materialIsFoundInAFolder();
@@ -364,6 +369,66 @@ void tst_ZaxmatUse::missingValuesAreNoted()
 
     const Run without = Use(workshop, {"M", "--packaging", "S"});
     QCOMPARE(without.err, "");
+}
+
+void tst_ZaxmatUse::stockFormsToNameAreNotedWhereThereAreSome()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(
+        SmallCatalogue() +
+        QList<QJsonObject>{
+            Material("m", "M", {{"materialType", "T"}, {"thickness", 1}, {"category", "C"}, {"density", 1}}),
+            StockForm("s", "m", "S", {{"isActive", false}})});
+    QCOMPARE(Use(workshop, {"M"}).err,
+             "zaxmat: note: The catalogue marks no stock form of \"M, 1 mm\" as active. Name some with --packaging.\n");
+    QCOMPARE(Use(workshop, {"acrylic-12.7"}).err, "");
+}
+
+void tst_ZaxmatUse::quietUsePrintsWhatItTook()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const Run run = Use(workshop, {"steel-2", "--quiet"});
+    QCOMPARE(run.out, "Feature     Name              In the document  Catalogue key\n"
+                      "----------  ----------------  ---------------  -------------\n"
+                      "Material    Structural steel  created          steel-2\n"
+                      "Stock form  Sheet large       created          steel-2-large\n");
+    QCOMPARE(run.err, "");
+    QCOMPARE(run.code, 0);
+}
+
+void tst_ZaxmatUse::tellsProgramsWhatItDid()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const Run run = Use(workshop, {"steel-2", "--format", "json"});
+    const QJsonObject json = QJsonDocument::fromJson(run.out.toUtf8()).object();
+    QCOMPARE(json.value("document"), DocumentPath(workshop));
+    QCOMPARE(json.value("isNew"), true);
+    QCOMPARE(json.value("isSaved"), true);
+    QCOMPARE(json.value("objects").toArray().at(0).toObject(),
+             (QJsonObject{{"id", 2},
+                          {"class", "ZAXMatMaterial"},
+                          {"path", "Materials Root/Structural steel - 2 mm"},
+                          {"label", "Structural steel"},
+                          {"outcome", "created"},
+                          {"key", "steel-2"}}));
+    QCOMPARE(json.value("objects").toArray().size(), 2);
+}
+
+void tst_ZaxmatUse::tellsProgramsThatNothingWasToDo()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    QCOMPARE(Use(workshop, {"steel-2"}).code, 0);
+    const QJsonObject json =
+        QJsonDocument::fromJson(Use(workshop, {"steel-2", "--format", "json"}).out.toUtf8()).object();
+    QCOMPARE(json.value("isNew"), false);
+    QCOMPARE(json.value("isSaved"), false);
+    QCOMPARE(Use(workshop, {"steel-2", "--format", "csv"}).out.remove('\r'),
+             "id,class,path,label,outcome,key\n"
+             "2,ZAXMatMaterial,Materials Root/Structural steel - 2 mm,Structural steel,found,steel-2\n"
+             "3,ZAXMatPackaging,Materials Root/Structural steel - 2 mm/Sheet large,Sheet large,found,steel-2-large\n");
 }
 
 void tst_ZaxmatUse::missingValuesDoNotComeFromTheDocument()

@@ -20,6 +20,8 @@ private slots:
     void wrongChoiceIsRefused();
     void invalidValuesAreRefused_data();
     void invalidValuesAreRefused();
+    void extensionThatCannotBeMadeIsNamed_data();
+    void extensionThatCannotBeMadeIsNamed();
     void invalidMaterialInTheDocumentIsRefused();
     void otherFilesAreNoDocuments_data();
     void otherFilesAreNoDocuments();
@@ -193,6 +195,55 @@ void tst_ZaxmatUseRefusals::invalidValuesAreRefused()
     QVERIFY(QFile::remove(DocumentPath(workshop)));
     QCOMPARE(workshop.Zaxmat(UseArguments(workshop, arguments)).code, 1);
     QCOMPARE(Files(workshop), QStringList());
+}
+
+void tst_ZaxmatUseRefusals::extensionThatCannotBeMadeIsNamed_data()
+{
+    QTest::addColumn<QString>("material");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("extension");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("extension of a material") << "gas"
+                                             << "Gas"
+                                             << "GasExtension"
+                                             << "type is not a material extension";
+    QTest::newRow("extension of a stock form") << "grained"
+                                               << "Grain"
+                                               << "GrainExtension"
+                                               << "type is not a packaging extension";
+    // The first of two by name is what is refused first.
+    QTest::newRow("two extensions") << "two"
+                                    << "Two"
+                                    << "Another"
+                                    << "type is not a material extension";
+}
+
+void tst_ZaxmatUseRefusals::extensionThatCannotBeMadeIsNamed()
+{
+    QFETCH(QString, material);
+    QFETCH(QString, name);
+    QFETCH(QString, extension);
+    QFETCH(QString, reason);
+    const auto extended = [](QJsonObject record, const QStringList& extensions) {
+        QJsonObject properties = record.value("properties").toObject();
+        for (const QString& each : extensions)
+            properties.insert(each, QJsonObject{{"pressure", 12}});
+        record.insert("properties", properties);
+        return record;
+    };
+    const QJsonObject values{{"materialType", "T"}, {"thickness", 1}};
+    const Workshop workshop;
+    const QByteArray document = MakeDocument(workshop);
+    workshop.WriteCatalogue(
+        {extended(Material("gas", "Gas", values), {"GasExtension"}),
+         extended(Material("two", "Two", values), {"Second", "Another"}), Material("grained", "Grained", values),
+         extended(StockForm("grain", "grained", "Grain", {{"isActive", true}}), {"GrainExtension"})});
+    const Run run = workshop.Zaxmat(UseArguments(workshop, {material}));
+    QCOMPARE(run.err, "zaxmat: \"" + name + "\" of the catalogue cannot be taken over: its extension \"" + extension +
+                          "\" cannot be made (" + reason + "). No loaded module provides it.\n");
+    QCOMPARE(run.out, "");
+    QCOMPARE(run.code, 1);
+    QCOMPARE(Workshop::Read(DocumentPath(workshop)), document);
 }
 
 void tst_ZaxmatUseRefusals::invalidMaterialInTheDocumentIsRefused()

@@ -1,147 +1,207 @@
 #include "Catalogue.h"
 
-#include "Failure.h"
+#include "RecordScan.h"
 #include "Records.h"
-#include "Text.h"
 
-#include "ZAXMatDefinition.h"
 #include "ZAXMatJsonFileProvider.h"
-#include "ZAXMatProviderCache.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QJsonDocument>
-#include <QStandardPaths>
+#include <QSet>
+#include <QUuid>
 
 #include <algorithm>
+#include <iterator>
 
 namespace zaxmat {
 
 namespace {
 
-QString HowToChoose()
+QByteArray Shared(QByteArrayView view)
 {
-    return Text::tr("Name the folder of a catalogue with --catalogue DIR or in ZAXMAT_CATALOGUE.");
-}
-
-QString HowToMend(const QString& path)
-{
-    return Text::tr("Correct it, or put a good copy in its place. Nothing is written to %1 until it can be read.")
-        .arg(QuotedPath(path));
-}
-
-/// Where the byte at \a offset stands, for someone with an editor.
-QString PositionText(const QByteArray& text, qsizetype offset)
-{
-    const QByteArray before = text.first(qBound(qsizetype(0), offset, text.size()));
-    const qsizetype lineStart = before.lastIndexOf('\n') + 1;
-    return Text::tr("line %1, column %2")
-        .arg(QString::number(before.count('\n') + 1),
-             QString::number(QString::fromUtf8(before.sliced(lineStart)).size() + 1));
-}
-
-Failure Malformed(const QString& path, const QString& why)
-{
-    return {ExitCode::FileFailure,
-            Text::tr("The catalogue %1 is damaged: %2.\n%3").arg(QuotedPath(path), why, HowToMend(path))};
-}
-
-Failure Unreadable(const QString& path, const QString& why)
-{
-    return {ExitCode::FileFailure,
-            Text::tr("The catalogue %1 cannot be read: %2.\n%3").arg(QuotedPath(path), why, HowToChoose())};
-}
-
-/// \throws Failure unless \a path is a file, as opposed to a folder or a pipe, that can be read.
-void RequireFile(const QString& path)
-{
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile())
-        throw Unreadable(path, Text::tr("it is no file"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Unreadable(path, file.errorString());
-}
-
-/// \throws Failure unless the file \a path holds a JSON object.
-void RequireJsonObject(const QString& path)
-{
-    QFile file(path);
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    if (file.error() != QFile::NoError)
-        throw Unreadable(path, file.errorString());
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(bytes, &error);
-    // The parser's offset lies behind the byte that it stumbled over.
-    if (error.error != QJsonParseError::NoError)
-        throw Malformed(path, Text::tr("%1 at %2").arg(error.errorString(), PositionText(bytes, error.offset - 1)));
-    if (!document.isObject())
-        throw Malformed(path, Text::tr("it holds no JSON object"));
-}
-
-/// \a records, all of which are there as long as nobody changes the file meanwhile.
-QList<ZAXMatDefinition> Complete(const QList<ZAXMatDefinition>& records, const QString& path)
-{
-    if (!std::ranges::all_of(records, &ZAXMatDefinition::IsValid))
-        throw Unreadable(path, Text::tr("it was changed meanwhile"));
-    return records;
+    return QByteArray::fromRawData(view.data(), view.size());
 }
 
 } // namespace
 
-QString DefaultCatalogueDirectory()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-}
-
 Catalogue::Catalogue(const CatalogueOptions& options)
+    : m_filePath(CatalogueFilePath(options)), m_bytes(ReadCatalogueFile(m_filePath))
 {
-    const QString directory = options.directory.isEmpty() ? DefaultCatalogueDirectory() : options.directory;
-    m_filePath = QDir(directory).filePath(QLatin1String("materials.json"));
-    RequireFile(m_filePath);
-    m_provider = std::make_unique<ZAXMatJsonFileProvider>(directory);
-    m_cache.reset(ZAXMatProviderCache::GetCache(m_provider->GetProviderId()));
-    // The provider takes a file that it cannot parse for an empty one. Where it finds something, it has parsed it.
-    if (m_cache->GetMaterialKeys().isEmpty())
-        RequireJsonObject(m_filePath);
+    if (!TakeScanned())
+        TakeParsed(ParseCatalogue(m_filePath, m_bytes));
 }
 
-Catalogue::~Catalogue() = default;
-
-QString Catalogue::GetFilePath() const
+Catalogue::Catalogue(const QString& path, const QJsonObject& root) : m_filePath(path)
 {
-    return m_filePath;
+    TakeParsed(root);
 }
 
-QByteArray Catalogue::GetProviderId() const
+bool Catalogue::TakeScanned()
 {
-    return m_provider->GetProviderId();
+    const auto places = ScanRecords(m_bytes);
+    if (!places)
+        return false;
+    for (const RecordPlace& place : *places) {
+        Records& records = place.isMaterial ? m_materials : m_stockForms;
+        records.Append(Shared(place.text), Shared(place.key), Shared(place.materialKey));
+    }
+    return true;
+}
+
+void Catalogue::TakeParsed(const QJsonObject& root)
+{
+    bool isNamedByKey = true;
+    for (auto member = root.begin(); member != root.end(); ++member) {
+        const CatalogueRecord record(member.value().toObject());
+        const QByteArray key = record.GetKey();
+        if (key.isEmpty())
+            continue;
+        isNamedByKey = isNamedByKey && key == member.key().toUtf8();
+        if (record.GetType() == ZAXMatDefinition::Material)
+            m_materials.Append(record);
+        else if (record.GetType() == ZAXMatDefinition::Packaging)
+            m_stockForms.Append(record);
+    }
+    // Members of one object have different names.
+    if (!isNamedByKey) {
+        m_materials.KeepLast();
+        m_stockForms.KeepLast();
+    }
+}
+
+QByteArray Catalogue::GetProviderId()
+{
+    // It reports the same for every folder, so it is asked for that of one that is not there.
+    return ZAXMatJsonFileProvider(QUuid::createUuid().toString()).GetProviderId();
+}
+
+QList<CatalogueRecord> Catalogue::ReadRecordsWith(ZAXMatDefinition::Type type, const QList<QByteArray>& names) const
+{
+    return (type == ZAXMatDefinition::Material ? m_materials : m_stockForms).ReadWith(names);
+}
+
+ZAXMatDefinition Catalogue::GetMaterial(const QByteArray& key) const
+{
+    return m_materials.Get(key);
+}
+
+ZAXMatDefinition Catalogue::GetStockForm(const QByteArray& key) const
+{
+    return m_stockForms.Get(key);
 }
 
 QList<ZAXMatDefinition> Catalogue::GetMaterials() const
 {
     QList<ZAXMatDefinition> materials;
-    const QList<QByteArray> keys = m_cache->GetMaterialKeys();
-    for (const QByteArray& key : keys)
-        materials.append(m_cache->GetMaterial(key));
+    std::ranges::transform(ReadMaterials(), std::back_inserter(materials), &CatalogueRecord::ToDefinition);
     SortRecords(materials);
-    return Complete(materials, m_filePath);
+    return materials;
 }
 
 QList<ZAXMatDefinition> Catalogue::GetStockForms(const QByteArray& materialKey) const
 {
-    QList<ZAXMatDefinition> stockForms;
-    const QList<QByteArray> keys = m_cache->GetPackagingKeys(materialKey);
-    for (const QByteArray& key : keys)
-        stockForms.append(m_cache->GetPackaging(key));
+    QList<ZAXMatDefinition> stockForms = m_stockForms.GetAllOf(materialKey);
     SortRecords(stockForms);
-    return Complete(stockForms, m_filePath);
+    return stockForms;
 }
 
 qsizetype Catalogue::CountStockForms(const QByteArray& materialKey) const
 {
-    return m_cache->GetPackagingKeys(materialKey).size();
+    return m_stockForms.CountAllOf(materialKey);
+}
+
+void Catalogue::Records::Append(const CatalogueRecord& record)
+{
+    m_keys.append(record.GetKey());
+    m_materialKeys.append(record.GetMaterialKey());
+    m_records.append(record);
+}
+
+void Catalogue::Records::Append(const QByteArray& text, const QByteArray& key, const QByteArray& materialKey)
+{
+    m_texts.append(text);
+    m_keys.append(key);
+    m_materialKeys.append(materialKey);
+}
+
+void Catalogue::Records::KeepLast()
+{
+    QSet<QByteArray> keys;
+    const QList<CatalogueRecord> all = m_records;
+    QList<CatalogueRecord> kept;
+    for (auto record = all.crbegin(); record != all.crend(); ++record) {
+        const QByteArray key = record->GetKey();
+        if (!keys.contains(key))
+            kept.prepend(*record);
+        keys.insert(key);
+    }
+    *this = Records();
+    for (const CatalogueRecord& record : std::as_const(kept))
+        Append(record);
+}
+
+CatalogueRecord Catalogue::Records::Read(qsizetype place) const
+{
+    return m_records.isEmpty() ? CatalogueRecord(QJsonDocument::fromJson(m_texts[place]).object()) : m_records[place];
+}
+
+const QList<CatalogueRecord>& Catalogue::Records::ReadAll() const
+{
+    if (m_records.isEmpty() && !m_texts.isEmpty()) {
+        QList<CatalogueRecord> records;
+        records.reserve(m_texts.size());
+        for (qsizetype i = 0; i < m_texts.size(); ++i)
+            records.append(Read(i));
+        m_records = records;
+    }
+    return m_records;
+}
+
+QList<CatalogueRecord> Catalogue::Records::ReadWith(const QList<QByteArray>& names) const
+{
+    if (!m_records.isEmpty())
+        return m_records;
+    QList<CatalogueRecord> records;
+    for (qsizetype i = 0; i < m_texts.size(); ++i) {
+        const auto isNamed = [&](const QByteArray& name) { return m_texts[i].contains('"' + name + '"'); };
+        if (std::ranges::all_of(names, isNamed))
+            records.append(Read(i));
+    }
+    return records;
+}
+
+ZAXMatDefinition Catalogue::Records::Get(const QByteArray& key) const
+{
+    if (m_placesByKey.isEmpty()) {
+        m_placesByKey.reserve(m_keys.size());
+        for (qsizetype i = 0; i < m_keys.size(); ++i)
+            m_placesByKey.insert(m_keys[i], i);
+    }
+    const auto place = m_placesByKey.constFind(key);
+    return place != m_placesByKey.cend() ? Read(*place).ToDefinition() : ZAXMatDefinition();
+}
+
+QList<ZAXMatDefinition> Catalogue::Records::GetAllOf(const QByteArray& materialKey) const
+{
+    QList<ZAXMatDefinition> records;
+    const QList<qsizetype> places = PlacesByMaterial().values(materialKey);
+    for (const qsizetype place : places)
+        records.append(Read(place).ToDefinition());
+    return records;
+}
+
+qsizetype Catalogue::Records::CountAllOf(const QByteArray& materialKey) const
+{
+    return PlacesByMaterial().count(materialKey);
+}
+
+const QMultiHash<QByteArray, qsizetype>& Catalogue::Records::PlacesByMaterial() const
+{
+    if (m_placesByMaterial.isEmpty()) {
+        m_placesByMaterial.reserve(m_materialKeys.size());
+        for (qsizetype i = 0; i < m_materialKeys.size(); ++i)
+            m_placesByMaterial.insert(m_materialKeys[i], i);
+    }
+    return m_placesByMaterial;
 }
 
 } // namespace zaxmat

@@ -1,9 +1,22 @@
 #include "CommandLine.h"
 
+#include "AddCommand.h"
+#include "CheckCommand.h"
 #include "CommandOptions.h"
+#include "CompletionCommand.h"
+#include "CopyCommand.h"
+#include "DiffCommand.h"
+#include "DocumentCommand.h"
+#include "ExportCommand.h"
 #include "Failure.h"
+#include "FindCommand.h"
+#include "ImportCommand.h"
 #include "ListCommand.h"
+#include "ManualCommand.h"
 #include "Output.h"
+#include "RemoveCommand.h"
+#include "RenameCommand.h"
+#include "SetCommand.h"
 #include "ShowCommand.h"
 #include "Text.h"
 #include "UseCommand.h"
@@ -20,21 +33,43 @@ QString ExitCodesText()
 {
     return Text::tr("Exit codes:\n"
                     "  0  done\n"
-                    "  1  invalid values\n"
+                    "  1  invalid values, or differences found\n"
                     "  2  wrong usage: unknown, ambiguous, no number\n"
-                    "  3  a file that cannot be read, understood or written");
+                    "  3  a file that cannot be read, understood or written\n"
+                    "  4  somebody else changed the same record meanwhile; nothing was written");
 }
 
-/// The program with all its commands. Once it has parsed a command line, \a chosen is what to do.
-std::unique_ptr<CLI::App> MakeProgram(Action& chosen)
+/// What a command line asks for.
+struct Request
+{
+    Action action;
+    OutputOptions output;
+};
+
+/// The program with all its commands. Once it has parsed a command line, \a request is what to do.
+std::unique_ptr<CLI::App> MakeProgram(Request& request)
 {
     auto program = std::make_unique<CLI::App>(
         Utf8(Text::tr("Catalogues of sheet materials, and the materials of documents.")), "zaxmat");
     program->set_help_flag("-h,--help", Utf8(Text::tr("Prints this help.")));
     program->set_version_flag("--version", "zaxmat " ZAXMAT_VERSION, Utf8(Text::tr("Prints the version.")));
-    AddListCommand(*program, chosen);
-    AddShowCommand(*program, chosen);
-    AddUseCommand(*program, chosen);
+    AddListCommand(*program, request.action);
+    AddShowCommand(*program, request.action);
+    AddFindCommand(*program, request.action);
+    AddAddCommand(*program, request.action);
+    AddSetCommand(*program, request.action);
+    AddRenameCommand(*program, request.action);
+    AddCopyCommand(*program, request.action);
+    AddRemoveCommand(*program, request.action);
+    AddUseCommand(*program, request.action);
+    AddDocumentCommand(*program, request.action);
+    AddCompletionCommand(*program, request.action);
+    AddManualCommand(*program, request.action);
+    AddImportCommand(*program, request.action);
+    AddExportCommand(*program, request.action);
+    AddDiffCommand(*program, request.action);
+    AddCheckCommand(*program, request.action);
+    AddOutputOptions(*program, request.output);
     program->footer(
         Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
     return program;
@@ -44,15 +79,15 @@ std::unique_ptr<CLI::App> MakeProgram(Action& chosen)
 QString InvocationOf(const CLI::App& program)
 {
     const auto commands = program.get_subcommands();
-    return QString::fromStdString(commands.empty() ? program.get_name()
-                                                   : program.get_name() + ' ' + commands.back()->get_name());
+    const QString name = QString::fromStdString(program.get_name());
+    return commands.empty() ? name : name + u' ' + InvocationOf(*commands.back());
 }
 
 /// What \a arguments ask for.
-Action Parse(const QStringList& arguments)
+Request Parse(const QStringList& arguments)
 {
-    Action chosen;
-    const auto program = MakeProgram(chosen);
+    Request request;
+    const auto program = MakeProgram(request);
     std::vector<std::string> reversed;
     std::ranges::transform(arguments, std::back_inserter(reversed), Utf8);
     std::ranges::reverse(reversed);
@@ -61,18 +96,20 @@ Action Parse(const QStringList& arguments)
     } catch (const CLI::Success& answer) {
         std::ostringstream text;
         program->exit(answer, text, text);
-        return [text = QString::fromStdString(text.str())](Output& output) {
-            output.Print(text.trimmed());
-            return ExitCode::Done;
-        };
+        // It is for people, whatever else was asked for.
+        return {[text = QString::fromStdString(text.str())](Output& output) {
+                    output.PrintText(text.trimmed());
+                    return ExitCode::Done;
+                },
+                {}};
     } catch (const CLI::ParseError& error) {
         throw Failure(ExitCode::WrongUsage, Text::tr("%1\n\"%2 --help\" explains the usage.")
                                                 .arg(QString::fromStdString(error.what()), InvocationOf(*program)));
     }
-    if (!chosen)
+    if (!request.action)
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("A command is missing.\n\"%1 --help\" explains the usage.").arg(InvocationOf(*program)));
-    return chosen;
+    return request;
 }
 
 } // namespace
@@ -80,8 +117,9 @@ Action Parse(const QStringList& arguments)
 ExitCode RunCommandLine(const QStringList& arguments)
 {
     try {
-        Output output;
-        const ExitCode code = Parse(arguments)(output);
+        const Request request = Parse(arguments);
+        Output output(request.output);
+        const ExitCode code = request.action(output);
         QString reason;
         if (!output.Write(&reason))
             throw Failure(ExitCode::FileFailure,

@@ -4,6 +4,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace zaxmat {
 
 namespace {
@@ -13,12 +18,45 @@ QString FromUtf8(const std::string& text)
     return QString::fromStdString(text);
 }
 
+// Texts stand apart from functions that return what lupdate has not read: it would not find their context there.
+
+QString EmptyText()
+{
+    return Text::tr("must not be empty");
+}
+
+QString NoChoiceText(const QString& text, const QString& words)
+{
+    return Text::tr("%1 is none of %2").arg(Quoted(text), words);
+}
+
 /// An option that refuses empty texts.
 CLI::Option* Described(CLI::Option* option, const QString& value)
 {
     return option->type_name(Utf8(value))->check([](const std::string& text) {
-        return text.empty() ? Utf8(Text::tr("must not be empty")) : std::string();
+        return text.empty() ? Utf8(EmptyText()) : std::string();
     });
+}
+
+/// Declares an option that takes one of some words. \a target gets what the word stands for.
+template <typename Choice>
+CLI::Option* AddChoice(CLI::App& command, const QString& name, const QString& description, Choice& target,
+                       const std::vector<std::pair<std::string, Choice>>& choices)
+{
+    std::string words;
+    for (const auto& [word, choice] : choices)
+        words += (words.empty() ? "" : "|") + word;
+    const auto find = [choices](const std::string& text) -> std::optional<Choice> {
+        const auto found = std::ranges::find(choices, text, &std::pair<std::string, Choice>::first);
+        return found != choices.end() ? std::optional(found->second) : std::nullopt;
+    };
+    const auto store = [find, &target](const std::string& text) { target = find(text).value(); };
+    const auto check = [find, words](const std::string& text) {
+        return find(text) ? std::string() : Utf8(NoChoiceText(FromUtf8(text), FromUtf8(words)));
+    };
+    return command.add_option_function<std::string>(Utf8(name), store, Utf8(description))
+        ->type_name(words)
+        ->check(check);
 }
 
 } // namespace
@@ -44,6 +82,38 @@ CLI::Option* AddTexts(CLI::App& command, const QString& name, const QString& val
     };
     return Described(command.add_option_function<std::vector<std::string>>(Utf8(name), store, Utf8(description)),
                      value);
+}
+
+void AddExample(CLI::App& command, const QString& commandLine)
+{
+    const QString heading = Text::tr("Examples:");
+    QString help = FromUtf8(command.get_footer());
+    if (!help.split(u'\n').contains(heading))
+        help += help.isEmpty() ? heading : QLatin1String("\n\n") + heading;
+    command.footer(Utf8(help + QLatin1String("\n  ") + commandLine));
+}
+
+CLI::Option* AddFlag(CLI::App& command, const QString& name, const QString& description, bool& target)
+{
+    return command.add_flag_callback(
+        Utf8(name), [&target] { target = true; }, Utf8(description));
+}
+
+void AddOutputOptions(CLI::App& command, OutputOptions& target)
+{
+    const std::string group = Utf8(Text::tr("Output"));
+    AddChoice(command, QLatin1String("--format"), Text::tr("What results are printed as."), target.format,
+              {{"table", Format::Table}, {"json", Format::Json}, {"csv", Format::Csv}})
+        ->group(group);
+    AddFlag(command, QLatin1String("-q,--quiet"), Text::tr("Prints the data asked for and errors, nothing else."),
+            target.isQuiet)
+        ->group(group);
+    AddChoice(command, QLatin1String("--unit"),
+              Text::tr("The unit that lengths are displayed in. JSON and CSV have millimetres."), target.unit,
+              {{"mm", LengthUnit::Millimetre}, {"in", LengthUnit::Inch}})
+        ->group(group);
+    for (CLI::App* const below : command.get_subcommands({}))
+        AddOutputOptions(*below, target);
 }
 
 void AddCatalogueOptions(CLI::App& command, CatalogueOptions& target)

@@ -31,10 +31,14 @@ void Complaints::AddInvalidValues(ZAXFeatObject& feature)
 
 void Complaints::Raise(const QString& path) const
 {
-    if (m_lines.isEmpty())
-        return;
-    throw Failure(ExitCode::InvalidValues, Text::tr("The document %1 is not saved. These values are invalid:\n%2")
-                                               .arg(QuotedPath(path), m_lines.join(u'\n')));
+    RaiseFor(Text::tr("The document %1 is not saved.").arg(QuotedPath(path)));
+}
+
+void Complaints::RaiseFor(const QString& outcome) const
+{
+    if (!m_lines.isEmpty())
+        throw Failure(ExitCode::InvalidValues,
+                      Text::tr("%1 These values are invalid:\n%2").arg(outcome, m_lines.join(u'\n')));
 }
 
 } // namespace zaxmat

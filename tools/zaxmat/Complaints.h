@@ -21,6 +21,8 @@ public:
 
     /// \throws Failure (InvalidValues) if there is a complaint. The document's file \a path was not written then.
     void Raise(const QString& path) const;
+    /// \throws Failure (InvalidValues) that begins with the sentence \a outcome if there is a complaint.
+    void RaiseFor(const QString& outcome) const;
 
 private:
     QStringList m_lines;

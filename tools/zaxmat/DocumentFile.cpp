@@ -16,13 +16,6 @@ namespace zaxmat {
 
 namespace {
 
-/// Throws what went wrong in the host, if anything did.
-void Require(const ZAXHostResult& result)
-{
-    if (!result)
-        throw Failure(ExitCode::FileFailure, result.GetMessage());
-}
-
 bool IsSame(const ZAXHostDocument& a, const ZAXHostDocument& b)
 {
     return a.Encode() == b.Encode();
@@ -43,7 +36,13 @@ void RequireLoadable(const ZAXHostDocument& document, const QString& path)
 
 } // namespace
 
-bool OpenDocument(ZAXHostDocument& document, const QString& path)
+void Require(const ZAXHostResult& result)
+{
+    if (!result)
+        throw Failure(ExitCode::FileFailure, result.GetMessage());
+}
+
+bool OpenDocument(ZAXHostDocument& document, const QString& path, ZAXHostDocument::Damage damage)
 {
     const QFileInfo file(path);
     if (!file.exists())
@@ -52,7 +51,7 @@ bool OpenDocument(ZAXHostDocument& document, const QString& path)
     if (!file.isFile())
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The document %1 cannot be opened: it is no file.").arg(QuotedPath(path)));
-    Require(document.Open(path));
+    Require(document.Open(path, damage));
     return true;
 }
 

@@ -23,9 +23,13 @@ public:
     void SetValue(const QByteArray&, const QByteArray&, const QVariant&) override {}
 };
 
+/// \throws Failure (FileFailure) with what went wrong in the host, if anything did.
+void Require(const ZAXHostResult& result);
+
 /// Opens the file \a path in \a document, which stays new and empty when there is no such file; false then.
-/// \throws Failure (FileFailure) for what cannot be read or is no undamaged document.
-bool OpenDocument(ZAXHostDocument& document, const QString& path);
+/// \throws Failure (FileFailure) for what cannot be read or is no document, nor for \a damage what is left of one.
+bool OpenDocument(ZAXHostDocument& document, const QString& path,
+                  ZAXHostDocument::Damage damage = ZAXHostDocument::RefuseDamage);
 
 /// The materials root of \a document, made if there is none.
 ZAXMatRoot* MaterialsRootOf(ZAXHostDocument& document);

@@ -7,9 +7,10 @@ namespace zaxmat {
 enum class ExitCode : int
 {
     Done = 0,
-    InvalidValues = 1,  ///< values that a material or a stock form must not have
+    InvalidValues = 1,  ///< values that a material or a stock form must not have, or differences that were looked for
     WrongUsage = 2,     ///< a mistake in the arguments: unknown, ambiguous, no number
     FileFailure = 3,    ///< a file that cannot be read, understood or written
+    FileChanged = 4,    ///< somebody else changed the same record meanwhile
     InternalError = 70, ///< a mistake in the program itself
 };
 

@@ -1,7 +1,8 @@
 #include "ListCommand.h"
 
-#include "Output.h"
+#include "Cells.h"
 #include "Properties.h"
+#include "Records.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -9,29 +10,56 @@
 
 #include <CLI/CLI.hpp>
 
+#include <array>
+#include <numeric>
+
 namespace zaxmat {
+
+namespace {
+
+constexpr std::array shownProperties{ZAXMatMaterial::Property_materialType, ZAXMatMaterial::Property_category,
+                                     ZAXMatMaterial::Property_thickness, ZAXMatMaterial::Property_density};
+
+Table MaterialTable(const QList<CatalogueRecord>& materials, const Catalogue& catalogue, LengthUnit unit)
+{
+    constexpr auto left = Table::Alignment::Left;
+    constexpr auto right = Table::Alignment::Right;
+    Table table({{Text::tr("Name"), left, QLatin1String("name")},
+                 {Text::tr("Type"), left, QLatin1String(ZAXMatMaterial::Property_materialType)},
+                 {Text::tr("Category"), left, QLatin1String(ZAXMatMaterial::Property_category)},
+                 {Text::tr("Thickness"), right, QLatin1String(ZAXMatMaterial::Property_thickness)},
+                 {Text::tr("Density"), right, QLatin1String(ZAXMatMaterial::Property_density)},
+                 {Text::tr("Stock forms"), right, QLatin1String("stockForms")},
+                 {{}, left, QLatin1String("key")}});
+    QList<QMetaProperty> properties;
+    for (const char* const name : shownProperties)
+        properties.append(FindProperty(&ZAXMatMaterial::staticMetaObject, name));
+    for (const CatalogueRecord& material : materials) {
+        const QByteArray key = material.GetKey();
+        const QJsonObject values = material.GetValues();
+        QList<Cell> cells{material.GetName()};
+        cells.reserve(properties.size() + 3);
+        for (qsizetype i = 0; i < properties.size(); ++i)
+            cells.append(ValueCell(properties[i], values.value(QLatin1String(shownProperties[i])), unit));
+        cells.append(CountCell(catalogue.CountStockForms(key)));
+        cells.append(KeyCell(key));
+        table.AddRow(cells);
+    }
+    return table;
+}
+
+} // namespace
 
 ExitCode RunList(const ListOptions& options, Output& output)
 {
     const Catalogue catalogue(options.catalogue);
-    constexpr auto right = Table::Alignment::Right;
-    Table table({{Text::tr("Name")},
-                 {Text::tr("Type")},
-                 {Text::tr("Category")},
-                 {Text::tr("Thickness"), right},
-                 {Text::tr("Density"), right},
-                 {Text::tr("Stock forms"), right}});
-    qsizetype stockForms = 0;
-    const QList<ZAXMatDefinition> materials = catalogue.GetMaterials();
-    for (const ZAXMatDefinition& material : materials) {
-        const qsizetype count = catalogue.CountStockForms(material.GetKey());
-        stockForms += count;
-        table.AddRow({material.GetName(), RecordText(material, ZAXMatMaterial::Property_materialType),
-                      RecordText(material, ZAXMatMaterial::Property_category),
-                      RecordText(material, ZAXMatMaterial::Property_thickness),
-                      RecordText(material, ZAXMatMaterial::Property_density), QString::number(count)});
-    }
-    output.Print(table.ToText());
+    QList<CatalogueRecord> materials = catalogue.ReadMaterials();
+    SortRecords(materials);
+    const auto count = [&](qsizetype sum, const CatalogueRecord& material) {
+        return sum + catalogue.CountStockForms(material.GetKey());
+    };
+    const qsizetype stockForms = std::accumulate(materials.cbegin(), materials.cend(), qsizetype(0), count);
+    output.Print(MaterialTable(materials, catalogue, output.GetUnit()));
     output.Print(QString());
     output.Print(
         Text::tr("Catalogue %1: materials: %2, stock forms: %3")
@@ -44,7 +72,7 @@ void AddListCommand(CLI::App& program, Action& chosen)
     CLI::App* const command = program.add_subcommand("list", Utf8(Text::tr("Lists the materials of a catalogue.")));
     const auto options = std::make_shared<ListOptions>();
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("Example:\n  zaxmat list --catalogue examples/catalogue")));
+    AddExample(*command, QLatin1String("zaxmat list --catalogue examples/catalogue"));
     command->callback([options, &chosen] { chosen = [options](Output& output) { return RunList(*options, output); }; });
 }
 

@@ -121,6 +121,7 @@ MaterialChoice ChooseMaterial(const Catalogue& catalogue, const MaterialRequest&
     choice.material = ChooseRecord(catalogue, request, thickness);
     choice.thickness = ChooseThickness(choice.material, thickness);
     choice.stockForms = ChooseStockForms(catalogue, choice.material, request.stockForms);
+    choice.hasStockForms = catalogue.CountStockForms(choice.material.GetKey()) > 0;
     return choice;
 }
 

@@ -31,6 +31,8 @@ struct MaterialChoice
     /// The thickness that the material is to have, in millimetres: its own or, if it has none, the one requested.
     double thickness = 0.0;
     QList<ZAXMatDefinition> stockForms;
+    /// Whether the catalogue has stock forms of the material at all.
+    bool hasStockForms = false;
 };
 
 /// The one material, with the stock forms, that \a request names.

@@ -1,22 +1,83 @@
 #include "Output.h"
 
+#include "Csv.h"
+#include "Table.h"
 #include "Text.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <cstdio>
 
 namespace zaxmat {
 
+namespace {
+
+/// The lines of \a rows as RFC 4180 has them.
+QByteArray ToCsv(const QList<QStringList>& rows)
+{
+    QByteArray csv;
+    for (const QStringList& row : rows)
+        csv += CsvLine(row);
+    return csv;
+}
+
+void PrintLine(const QString& line, Emphasis emphasis)
+{
+    const QByteArray text =
+        QByteArray("zaxmat: ") + (IsColoured(stderr) ? Emphasized(line, emphasis) : line).toUtf8() + '\n';
+    std::fwrite(text.constData(), 1, text.size(), stderr);
+}
+
+} // namespace
+
+QString Output::Emphasize(const QString& text, Emphasis emphasis) const
+{
+    return m_isColoured ? Emphasized(text, emphasis) : text;
+}
+
 void Output::Print(const QString& text)
 {
-    m_text += text.toUtf8() + '\n';
+    if (!m_options.isQuiet)
+        PrintText(text);
+}
+
+void Output::Print(const Table& table)
+{
+    switch (m_options.format) {
+    case Format::Table:
+        return PrintText(table.ToText(m_isColoured));
+    case Format::Json:
+        return PrintJson(table.ToJson());
+    case Format::Csv:
+        m_text += ToCsv(table.ToTexts());
+    }
+}
+
+void Output::PrintText(const QString& text)
+{
+    if (m_options.format == Format::Table)
+        m_text += text.toUtf8() + '\n';
+}
+
+void Output::PrintJson(const QJsonValue& value)
+{
+    if (m_options.format == Format::Json)
+        m_text += (value.isArray() ? QJsonDocument(value.toArray()) : QJsonDocument(value.toObject())).toJson();
+}
+
+void Output::AddNote(const QString& note)
+{
+    if (!m_options.isQuiet)
+        m_notes.append(note);
 }
 
 bool Output::Write(QString* reason)
 {
     for (const QString& note : std::as_const(m_notes))
-        PrintError(Text::tr("note: %1").arg(note));
+        PrintLine(Text::tr("note: %1").arg(note), Emphasis::None);
     QFile file;
     const bool isWritten =
         file.open(stdout, QIODevice::WriteOnly) && file.write(m_text) == m_text.size() && file.flush();
@@ -27,8 +88,7 @@ bool Output::Write(QString* reason)
 
 void PrintError(const QString& message)
 {
-    const QByteArray line = "zaxmat: " + message.toUtf8() + '\n';
-    std::fwrite(line.constData(), 1, line.size(), stderr);
+    PrintLine(message, Emphasis::Error);
 }
 
 } // namespace zaxmat

@@ -1,25 +1,76 @@
 #ifndef ZAXMAT_OUTPUT_H
 #define ZAXMAT_OUTPUT_H
 
+#include "Style.h"
+
 #include <QByteArray>
+#include <QJsonValue>
 #include <QString>
 #include <QStringList>
 
 namespace zaxmat {
 
+class Table;
+
+/// What results are printed as.
+enum class Format
+{
+    Table, ///< text for people
+    Json,  ///< one JSON document
+    Csv,   ///< comma-separated values with a row of names
+};
+
+/// The unit that lengths are displayed in. JSON and CSV have millimetres always.
+enum class LengthUnit
+{
+    Millimetre,
+    Inch,
+};
+
+/// How the user wants to be told the results.
+struct OutputOptions
+{
+    Format format = Format::Table;
+    /// Only the data asked for, and errors.
+    bool isQuiet = false;
+    LengthUnit unit = LengthUnit::Millimetre;
+};
+
 /// The results of a command on their way to the standard output, in UTF-8. They are collected and written when
 /// the command has succeeded, so that nothing is printed that did not come true.
+///
+/// A command prints its data in the format asked for, with Print(Table) or PrintJson() and PrintText(), and the prose
+/// around them with Print(QString) in any case.
 class Output
 {
 public:
-    /// Appends \a text, of one line or more, and a line break.
+    explicit Output(const OutputOptions& options = {}) : m_options(options) {}
+
+    Format GetFormat() const { return m_options.format; }
+    bool IsQuiet() const { return m_options.isQuiet; }
+    /// The unit to display lengths in.
+    LengthUnit GetUnit() const { return m_options.unit; }
+    /// Whether texts may carry colours.
+    bool IsColoured() const { return m_isColoured; }
+    /// \a text with \a emphasis where colours are shown.
+    QString Emphasize(const QString& text, Emphasis emphasis) const;
+
+    /// Appends prose, of one line or more, and a line break. Only people who did not ask for quiet get it.
     void Print(const QString& text);
-    /// Keeps a remark that does not belong to the results. It goes to the standard error.
-    void AddNote(const QString& note) { m_notes.append(note); }
+    /// Appends data in any format: a table for people, a JSON array or CSV.
+    void Print(const Table& table);
+    /// Appends data for people, one line or more, and a line break. Nothing in other formats.
+    void PrintText(const QString& text);
+    /// Appends \a value, an array or an object, as a JSON document. Nothing in other formats.
+    void PrintJson(const QJsonValue& value);
+    /// Keeps a remark that does not belong to the results. It goes to the standard error, unless quiet was asked for.
+    void AddNote(const QString& note);
     /// Writes the notes and what was printed. False, with \a reason, when the standard output does not take it all.
     bool Write(QString* reason);
 
 private:
+    OutputOptions m_options;
+    bool m_isColoured = zaxmat::IsColoured(stdout);
     QByteArray m_text;
     QStringList m_notes;
 };

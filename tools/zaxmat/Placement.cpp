@@ -33,25 +33,32 @@ void AddRefusedValues(const ZAXMatDefinition& record, const QByteArray& extensio
     }
 }
 
-/// The classes of the extensions of \a record.
-QString ExtensionNames(const ZAXMatDefinition& record)
+/// Gives \a feature the extensions of \a record.
+/// \throws Failure (InvalidValues) that names the one that cannot be made.
+template <typename Feature>
+void MakeExtensions(const ZAXMatDefinition& record, const Feature& feature)
 {
-    QList<QByteArray> extensions = ExtensionsOf(record);
-    extensions.removeAll(QByteArray());
-    return Printable(QString::fromUtf8(extensions.join(", ")));
+    const QList<QByteArray> extensions = ExtensionsOf(record);
+    for (const QByteArray& extension : extensions) {
+        try {
+            if (!extension.isEmpty())
+                feature.GetExtension(extension, true);
+        } catch (const ZAXSysException& exception) {
+            throw Failure(
+                ExitCode::InvalidValues,
+                Text::tr("%1 of the catalogue cannot be taken over: its extension %2 cannot be made (%3). No "
+                         "loaded module provides it.")
+                    .arg(Quoted(record.GetName()), Quoted(QString::fromLatin1(extension)), exception.GetMessage()));
+        }
+    }
 }
 
 /// Writes \a record into the new \a feature.
 template <typename Feature>
 void WriteRecord(const ZAXMatDefinition& record, Feature& feature, Complaints& complaints)
 {
-    try {
-        record.SaveToFeature(&feature);
-    } catch (const ZAXSysException& exception) {
-        throw Failure(ExitCode::InvalidValues,
-                      Text::tr("%1 of the catalogue cannot be taken over: %2 (%3)")
-                          .arg(Quoted(record.GetName()), exception.GetMessage(), ExtensionNames(record)));
-    }
+    MakeExtensions(record, feature);
+    record.SaveToFeature(&feature);
     const QList<QByteArray> extensions = ExtensionsOf(record);
     for (const QByteArray& extension : extensions) {
         const QObject* const target =

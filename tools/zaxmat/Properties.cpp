@@ -2,9 +2,7 @@
 
 #include "Text.h"
 
-#include "ZAXMatExtensionPlugin.h"
-#include "ZAXMatMaterial.h"
-#include "ZAXMatPackaging.h"
+#include "ZAXSysDefinedValue.h"
 
 #include <QColor>
 #include <QJsonArray>
@@ -44,6 +42,13 @@ QString TypedText(const QVariant& value)
     }
 }
 
+constexpr double millimetresPerInch = 25.4;
+
+bool IsLength(const QMetaProperty& property)
+{
+    return property.metaType() == QMetaType::fromType<ZAXSysLengthValue>();
+}
+
 bool IsEnumerator(const QMetaProperty& property, const QVariant& value)
 {
     return property.enumerator().valueToKey(value.toInt()) != nullptr;
@@ -58,17 +63,7 @@ bool IsMissing(const QVariant& value)
 
 const QMetaObject* ClassOf(const ZAXMatDefinition& record, const QByteArray& extension)
 {
-    const bool isMaterial = record.GetType() == ZAXMatDefinition::Material;
-    if (extension.isEmpty())
-        return isMaterial ? &ZAXMatMaterial::staticMetaObject : &ZAXMatPackaging::staticMetaObject;
-    const QList<ZAXMatExtensionPlugin*> plugins = ZAXMatExtensionPlugin::GetPlugins();
-    for (const ZAXMatExtensionPlugin* const plugin : plugins) {
-        const QMetaObject* const type =
-            isMaterial ? plugin->GetMaterialExtensionMetaObject() : plugin->GetPackagingExtensionMetaObject();
-        if (extension == type->className())
-            return type;
-    }
-    return nullptr;
+    return ClassOf(record.GetType(), extension);
 }
 
 QList<QByteArray> ExtensionsOf(const ZAXMatDefinition& record)
@@ -116,7 +111,7 @@ bool IsAccepted(const QMetaProperty& property, const QVariant& value)
     return !property.isEnumType() || IsEnumerator(property, taken);
 }
 
-QString ValueText(const QMetaProperty& property, const QVariant& value)
+QString ValueText(const QMetaProperty& property, const QVariant& value, LengthUnit unit)
 {
     if (IsMissing(value))
         return QLatin1String("-");
@@ -124,12 +119,41 @@ QString ValueText(const QMetaProperty& property, const QVariant& value)
         return RawText(value);
     QVariant taken = value;
     taken.convert(property.metaType());
-    return TypedText(taken);
+    return IsLength(property) ? LengthText(taken.value<ZAXSysLengthValue>().GetValue(), unit) : TypedText(taken);
 }
 
-QString RecordText(const ZAXMatDefinition& record, const QByteArray& name, const QByteArray& extension)
+QJsonValue ValueJson(const QMetaProperty& property, const QVariant& value)
 {
-    return ValueText(FindProperty(ClassOf(record, extension), name), record.GetValue(name, extension));
+    if (IsMissing(value))
+        return QJsonValue(QJsonValue::Null);
+    if (!property.isValid() || !IsAccepted(property, value))
+        return QJsonValue::fromVariant(value);
+    QVariant taken = value;
+    taken.convert(property.metaType());
+    if (IsLength(property) || property.metaType() == QMetaType::fromType<ZAXSysDensityValue>())
+        return taken.toDouble();
+    if (property.isEnumType())
+        return QString::fromLatin1(property.enumerator().valueToKey(taken.toInt()));
+    return QJsonValue::fromVariant(taken);
+}
+
+QString LengthText(double millimetres, LengthUnit unit)
+{
+    if (unit == LengthUnit::Millimetre)
+        return ZAXSysLengthValue(millimetres).ToString();
+    // Where a length is no whole number of inches, what is read is closer than any sheet is cut.
+    constexpr int digits = 9;
+    return QString::number(millimetres / millimetresPerInch, 'g', digits) + QLatin1String(" in");
+}
+
+QString RecordText(const ZAXMatDefinition& record, const QByteArray& name, const QByteArray& extension, LengthUnit unit)
+{
+    return ValueText(FindProperty(ClassOf(record, extension), name), record.GetValue(name, extension), unit);
+}
+
+QJsonValue RecordJson(const ZAXMatDefinition& record, const QByteArray& name, const QByteArray& extension)
+{
+    return ValueJson(FindProperty(ClassOf(record, extension), name), record.GetValue(name, extension));
 }
 
 } // namespace zaxmat

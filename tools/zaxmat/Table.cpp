@@ -2,15 +2,30 @@
 
 #include "Text.h"
 
+#include <QJsonObject>
+
 #include <algorithm>
 
 namespace zaxmat {
 
 namespace {
 
+bool IsForPeople(const Table::Column& column)
+{
+    return !column.title.isNull() || column.name.isEmpty();
+}
+
+bool IsForPrograms(const Table::Column& column)
+{
+    return !column.name.isEmpty();
+}
+
 /// How many places \a text takes in a terminal.
 qsizetype WidthOf(const QString& text)
 {
+    const auto isPlain = [](QChar character) { return character.unicode() < 0x80; };
+    if (std::ranges::all_of(text, isPlain))
+        return text.size();
     const auto takesPlace = [](char32_t character) {
         const QChar::Category category = QChar::category(character);
         return category != QChar::Mark_NonSpacing && category != QChar::Mark_Enclosing &&
@@ -19,50 +34,130 @@ qsizetype WidthOf(const QString& text)
     return std::ranges::count_if(text.toUcs4(), takesPlace);
 }
 
-QString Padded(const QString& text, qsizetype width, Table::Alignment alignment)
+/// A text on its way into the table for a terminal.
+struct Piece
 {
-    const QString padding(width - WidthOf(text), u' ');
-    return alignment == Table::Alignment::Left ? text + padding : padding + text;
+    QString text;
+    qsizetype width = 0;
+    Emphasis emphasis = Emphasis::None;
+};
+
+Piece PieceOf(const QString& text, Emphasis emphasis)
+{
+    return {text, WidthOf(text), emphasis};
+}
+
+using Pieces = QList<Piece>;
+
+QList<qsizetype> WidthsOf(const QList<Pieces>& rows, qsizetype columns)
+{
+    QList<qsizetype> widths(columns, 0);
+    for (const Pieces& row : rows) {
+        for (qsizetype i = 0; i < row.size(); ++i)
+            widths[i] = std::max(widths[i], row[i].width);
+    }
+    return widths;
+}
+
+QString ValueText(const QJsonValue& value)
+{
+    switch (value.type()) {
+    case QJsonValue::Bool:
+        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+    case QJsonValue::Double:
+        return NumberText(value.toDouble());
+    default:
+        return value.toString();
+    }
 }
 
 } // namespace
 
-QString Table::ToText() const
+QList<qsizetype> Table::ColumnsWhere(bool (*isWanted)(const Column&)) const
 {
-    QList<QStringList> rows;
-    QStringList titles;
-    std::ranges::transform(m_columns, std::back_inserter(titles), &Column::title);
-    const bool hasTitles = std::ranges::any_of(titles, [](const QString& title) { return !title.isEmpty(); });
-    if (hasTitles)
-        rows.append(titles);
-    for (const QStringList& row : m_rows) {
-        QStringList cells;
-        std::ranges::transform(row, std::back_inserter(cells), Printable);
-        rows.append(cells);
+    QList<qsizetype> columns;
+    for (qsizetype i = 0; i < m_columns.size(); ++i) {
+        if (isWanted(m_columns[i]))
+            columns.append(i);
     }
+    return columns;
+}
 
-    QList<qsizetype> widths(m_columns.size(), 0);
-    for (const QStringList& row : rows) {
-        for (qsizetype i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], WidthOf(row[i]));
-    }
+QString Table::ToText(bool isColoured) const
+{
+    const QList<qsizetype> columns = ColumnsWhere(IsForPeople);
+    const auto titleOf = [this](qsizetype column) { return m_columns[column].title; };
+    const bool hasTitles = std::ranges::any_of(columns, [&](qsizetype column) { return !titleOf(column).isEmpty(); });
+    QList<Pieces> rows;
+    rows.reserve(m_rows.size() + 2);
+    const auto addRow = [&](const auto& pieceOf) {
+        Pieces pieces;
+        pieces.reserve(columns.size());
+        std::ranges::transform(columns, std::back_inserter(pieces), pieceOf);
+        rows.append(pieces);
+    };
+    if (hasTitles)
+        addRow([&](qsizetype column) { return PieceOf(titleOf(column), Emphasis::Heading); });
+    for (const QList<Cell>& row : m_rows)
+        addRow([&](qsizetype column) { return PieceOf(Printable(row[column].text), row[column].emphasis); });
+
+    const QList<qsizetype> widths = WidthsOf(rows, columns.size());
     if (hasTitles) {
-        QStringList lines;
-        std::ranges::transform(widths, std::back_inserter(lines), [](qsizetype width) { return QString(width, u'-'); });
+        Pieces lines;
+        for (const qsizetype width : widths)
+            lines.append({QString(width, u'-'), width, Emphasis::None});
         rows.insert(1, lines);
     }
 
-    QStringList text;
-    for (const QStringList& row : rows) {
-        QStringList cells;
-        for (qsizetype i = 0; i < row.size(); ++i)
-            cells.append(Padded(row[i], widths[i], m_columns[i].alignment));
-        QString line = cells.join(QLatin1String("  "));
-        while (line.endsWith(u' '))
-            line.chop(1);
-        text.append(line);
+    QString text;
+    for (const Pieces& row : rows) {
+        qsizetype missing = 0;
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            const Piece& piece = row[i];
+            const bool isRight = m_columns[columns[i]].alignment == Alignment::Right;
+            const qsizetype padding = widths[i] - piece.width;
+            // What would stand at the end of the line is held back until something follows.
+            if (!piece.text.isEmpty()) {
+                text += QString(missing + (isRight ? padding : 0), u' ') +
+                        (isColoured ? Emphasized(piece.text, piece.emphasis) : piece.text);
+                missing = isRight ? 0 : padding;
+            } else {
+                missing += padding;
+            }
+            missing += 2;
+        }
+        text += u'\n';
     }
-    return text.join(u'\n');
+    text.chop(1);
+    return text;
+}
+
+QJsonArray Table::ToJson() const
+{
+    const QList<qsizetype> columns = ColumnsWhere(IsForPrograms);
+    QJsonArray rows;
+    for (const QList<Cell>& row : m_rows) {
+        QJsonObject object;
+        for (const qsizetype column : columns)
+            object.insert(m_columns[column].name, row[column].value);
+        rows.append(object);
+    }
+    return rows;
+}
+
+QList<QStringList> Table::ToTexts() const
+{
+    const QList<qsizetype> columns = ColumnsWhere(IsForPrograms);
+    QList<QStringList> rows;
+    const auto addRow = [&](const auto& textOf) {
+        QStringList texts;
+        std::ranges::transform(columns, std::back_inserter(texts), textOf);
+        rows.append(texts);
+    };
+    addRow([&](qsizetype column) { return m_columns[column].name; });
+    for (const QList<Cell>& row : m_rows)
+        addRow([&](qsizetype column) { return ValueText(row[column].value); });
+    return rows;
 }
 
 } // namespace zaxmat

@@ -2,6 +2,7 @@
 
 #include "Complaints.h"
 #include "DocumentFile.h"
+#include "DocumentObjects.h"
 #include "DocumentTree.h"
 #include "Output.h"
 #include "Placement.h"
@@ -15,6 +16,8 @@
 #include "ZAXMatPackaging.h"
 
 #include <CLI/CLI.hpp>
+
+#include <QJsonObject>
 
 namespace zaxmat {
 
@@ -45,30 +48,47 @@ void AddNotes(const MaterialChoice& choice, const Placement& placement, Output& 
         if (placement.stockForms[i].isNew)
             NoteDefaults(choice.stockForms[i], *placement.stockForms[i].feature, output);
     }
-    if (choice.stockForms.isEmpty())
+    if (choice.stockForms.isEmpty() && choice.hasStockForms)
         output.AddNote(Text::tr("The catalogue marks no stock form of %1 as active. Name some with --packaging.")
                            .arg(Quoted(MaterialTitle(choice.material))));
 }
 
-QString HowText(bool isNew)
+Cell HowCell(bool isNew)
 {
-    return isNew ? Text::tr("created") : Text::tr("found");
+    return isNew ? Cell(Text::tr("created"), QLatin1String("created"), Emphasis::Added)
+                 : Cell(Text::tr("found"), QLatin1String("found"));
 }
 
-QString PlacementTable(const Placement& placement)
+template <typename Feature>
+void AddRow(const QString& kind, const Placed<Feature>& placed, Table& table)
 {
-    Table table(
-        {{Text::tr("Feature")}, {Text::tr("Name")}, {Text::tr("In the document")}, {Text::tr("Catalogue key")}});
-    const ZAXMatMaterial& material = *placement.material.feature;
-    table.AddRow({Text::tr("Material"), material.GetLabel(), HowText(placement.material.isNew),
-                  QString::fromUtf8(material.GetRemoteKey())});
-    for (const auto& [stockForm, isNew] : placement.stockForms)
-        table.AddRow({Text::tr("Stock form"), stockForm->GetLabel(), HowText(isNew),
-                      QString::fromUtf8(stockForm->GetRemoteKey())});
-    return table.ToText();
+    const Feature& feature = *placed.feature;
+    table.AddRow({kind,
+                  {QString(), static_cast<qint64>(feature.GetId())},
+                  {QString(), QString::fromLatin1(feature.metaObject()->className())},
+                  {QString(), ObjectPath(feature)},
+                  feature.GetLabel(),
+                  HowCell(placed.isNew),
+                  QString::fromLatin1(feature.GetRemoteKey())});
 }
 
-QString PropertyTable(const ZAXMatMaterial& material)
+Table PlacementTable(const Placement& placement)
+{
+    constexpr auto left = Table::Alignment::Left;
+    Table table({{Text::tr("Feature")},
+                 {QString(), left, QLatin1String("id")},
+                 {QString(), left, QLatin1String("class")},
+                 {QString(), left, QLatin1String("path")},
+                 {Text::tr("Name"), left, QLatin1String("label")},
+                 {Text::tr("In the document"), left, QLatin1String("outcome")},
+                 {Text::tr("Catalogue key"), left, QLatin1String("key")}});
+    AddRow(Text::tr("Material"), placement.material, table);
+    for (const auto& stockForm : placement.stockForms)
+        AddRow(Text::tr("Stock form"), stockForm, table);
+    return table;
+}
+
+QString PropertyTable(const ZAXMatMaterial& material, const Output& output)
 {
     Table table({{Text::tr("Property of the material")}, {Text::tr("Value")}});
     const QMetaObject& type = ZAXMatMaterial::staticMetaObject;
@@ -77,7 +97,7 @@ QString PropertyTable(const ZAXMatMaterial& material)
         if (property.isWritable())
             table.AddRow({PropertyLabel(&type, property.name()), ValueText(property, property.read(&material))});
     }
-    return table.ToText();
+    return table.ToText(output.IsColoured());
 }
 
 /// Prints \a text below an empty line.
@@ -85,6 +105,29 @@ void PrintBlock(const QString& text, Output& output)
 {
     output.Print(QString());
     output.Print(text);
+}
+
+/// Prints what was done to the \a document, new unless it \a isOpened.
+void PrintDone(const Placement& placement, const ZAXHostDocument& document, const UseOptions& options, bool isOpened,
+               Output& output)
+{
+    const QString path = QuotedPath(options.document);
+    const Table table = PlacementTable(placement);
+    if (output.GetFormat() == Format::Json) {
+        output.PrintJson(QJsonObject{{QLatin1String("document"), options.document},
+                                     {QLatin1String("isNew"), !isOpened},
+                                     {QLatin1String("isSaved"), placement.HasNew()},
+                                     {QLatin1String("objects"), table.ToJson()}});
+        return;
+    }
+    output.Print(isOpened ? Text::tr("Document %1").arg(path) : Text::tr("Document %1, new").arg(path));
+    output.Print(QString());
+    output.Print(table);
+    PrintBlock(PropertyTable(*placement.material.feature, output), output);
+    PrintBlock(DocumentTree(*document.GetContainer(), output.GetUnit()), output);
+    PrintBlock(placement.HasNew() ? Text::tr("Document %1 saved; reopened, it is identical.").arg(path)
+                                  : Text::tr("Document %1 holds all this already; nothing was written.").arg(path),
+               output);
 }
 
 } // namespace
@@ -109,14 +152,7 @@ ExitCode RunUse(const UseOptions& options, Output& output)
     const QList<ZAXHostProblem> problems = document.GetProblems();
     for (const ZAXHostProblem& problem : problems)
         output.AddNote(problem.message);
-    const QString path = QuotedPath(options.document);
-    output.Print(isOpened ? Text::tr("Document %1").arg(path) : Text::tr("Document %1, new").arg(path));
-    PrintBlock(PlacementTable(placement), output);
-    PrintBlock(PropertyTable(*placement.material.feature), output);
-    PrintBlock(DocumentTree(*(placement.HasNew() ? reopened : document).GetContainer()), output);
-    PrintBlock(placement.HasNew() ? Text::tr("Document %1 saved; reopened, it is identical.").arg(path)
-                                  : Text::tr("Document %1 holds all this already; nothing was written.").arg(path),
-               output);
+    PrintDone(placement, placement.HasNew() ? reopened : document, options, isOpened, output);
     return ExitCode::Done;
 }
 
@@ -140,10 +176,9 @@ void AddUseCommand(CLI::App& program, Action& chosen)
                  "catalogue marks active."),
         options->request.stockForms);
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("What the document has already is found, not made again.\n\n"
-                                  "Example:\n"
-                                  "  zaxmat use --document job.zaxdoc S235JR --thickness 2 "
-                                  "--packaging \"Sheet 1250 x 2500\"")));
+    command->footer(Utf8(Text::tr("What the document has already is found, not made again.")));
+    AddExample(*command, QLatin1String("zaxmat use --document job.zaxdoc S235JR --thickness 2 "
+                                       "--packaging \"Sheet 1250 x 2500\" --catalogue examples/catalogue"));
     command->callback([options, &chosen] { chosen = [options](Output& output) { return RunUse(*options, output); }; });
 }
 

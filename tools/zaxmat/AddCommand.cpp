@@ -1,0 +1,61 @@
+#include "AddCommand.h"
+
+#include "CatalogueEditor.h"
+#include "EditReport.h"
+#include "RecordChoice.h"
+#include "Schema.h"
+#include "Text.h"
+#include "Values.h"
+
+#include <CLI/CLI.hpp>
+
+namespace zaxmat {
+
+namespace {
+
+ZAXMatDefinition NewRecord(const AddOptions& options, const Catalogue& catalogue)
+{
+    const Schema schema;
+    return options.material.isEmpty()
+               ? schema.NewMaterial(options.name)
+               : schema.NewStockForm(options.name, ChooseMaterialRecord(catalogue, options.material).GetKey());
+}
+
+} // namespace
+
+ExitCode RunAdd(const AddOptions& options, Output& output)
+{
+    CatalogueEditor editor(options.catalogue, CatalogueEditor::MissingFile::Create);
+    ZAXMatDefinition record = NewRecord(options, editor.GetCatalogue());
+    ApplySettings(options.settings, record);
+    editor.SetRecord(record);
+    const CommitResult result = editor.Commit();
+    const QString path = editor.GetCatalogue().GetFilePath();
+    if (editor.IsNew())
+        output.AddNote(Text::tr("the catalogue %1 is new.").arg(QuotedPath(path)));
+    PrintEdits(result, path, output);
+    return ExitCode::Done;
+}
+
+void AddAddCommand(CLI::App& program, Action& chosen)
+{
+    CLI::App* const command = program.add_subcommand(
+        "add", Utf8(Text::tr("Adds a material, or a stock form of a material, to a catalogue.")));
+    const auto options = std::make_shared<AddOptions>();
+    AddText(*command, QLatin1String("NAME"), QString(), Text::tr("The name of the new record."), options->name)
+        ->required();
+    AddTexts(*command, QLatin1String("PROPERTY=VALUE"), QString(),
+             Text::tr("What the record has: \"thickness=0.5 in\", \"Extension.property=value\"."), options->settings);
+    AddText(*command, QLatin1String("--material"), Text::tr("MATERIAL"),
+            Text::tr("The name, key or type of the material that the new record is a stock form of. Without it, a "
+                     "material is added."),
+            options->material);
+    AddCatalogueOptions(*command, options->catalogue);
+    AddExample(*command, QLatin1String("zaxmat add \"Bronze CuSn8\" materialType=CuSn8 thickness=2 category=Metal "
+                                       "density=8.8"));
+    AddExample(*command, QLatin1String("zaxmat add \"Sheet 600 x 1000\" --material CuSn8 length=1000 width=600 "
+                                       "cost=210.5 isActive=yes"));
+    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunAdd(*options, output); }; });
+}
+
+} // namespace zaxmat

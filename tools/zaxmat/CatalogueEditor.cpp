@@ -1,0 +1,182 @@
+#include "CatalogueEditor.h"
+
+#include "Failure.h"
+#include "RecordDifference.h"
+#include "Text.h"
+
+#include "ZAXHostFileSaver.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+
+namespace zaxmat {
+
+namespace {
+
+/// How long to wait for others, in milliseconds.
+constexpr qint64 patience = 60000;
+
+/// The file that the catalogue is in, behind symbolic links. Whether it can be locked is another question.
+/// \throws Failure when it is no file, or is missing without reason.
+QString EditablePath(const CatalogueOptions& options, CatalogueEditor::MissingFile missing)
+{
+    const QString path = CatalogueFilePath(options);
+    const QFileInfo file(path);
+    if (!file.exists() && missing == CatalogueEditor::MissingFile::Create) {
+        const QFileInfo folder(QFileInfo(ZAXHostFileSaver::TargetOf(path)).absolutePath());
+        if (!folder.isDir()) {
+            throw Failure(ExitCode::FileFailure, Text::tr("The catalogue %1 cannot be made, since there is no such "
+                                                          "folder. Make the folder first.")
+                                                     .arg(QuotedPath(path)));
+        }
+    } else if (!file.isFile()) {
+        ReadCatalogueFile(path);
+    }
+    return path;
+}
+
+QByteArray ToText(const QJsonObject& root)
+{
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+}
+
+/// The record of that type and key; most are named by their keys.
+ZAXMatDefinition RecordIn(const QJsonObject& root, ZAXMatDefinition::Type type, const QByteArray& key)
+{
+    const CatalogueRecord named(root.value(QString::fromLatin1(key)).toObject());
+    if (named.GetKey() == key && named.GetType() == type)
+        return named.ToDefinition();
+    for (const QJsonValue& value : root) {
+        const CatalogueRecord record(value.toObject());
+        if (record.GetKey() == key && record.GetType() == type)
+            return record.ToDefinition();
+    }
+    return {};
+}
+
+CommitResult CountEdits(const QList<RecordEdit>& edits)
+{
+    CommitResult result;
+    result.edits = edits;
+    for (const RecordEdit& edit : edits) {
+        if (!edit.before.IsValid())
+            ++result.added;
+        else if (!edit.after.IsValid())
+            ++result.removed;
+        else
+            ++result.changed;
+    }
+    return result;
+}
+
+} // namespace
+
+CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, MissingFile missing,
+                                 std::function<void()> beforeCommit)
+    : m_path(EditablePath(options, missing)),
+      m_beforeCommit(std::move(beforeCommit)),
+      m_lock(ZAXHostFileSaver::TargetOf(m_path), patience),
+      m_isNew(missing == MissingFile::Create && !QFileInfo::exists(m_path)),
+      m_bytes(m_isNew ? QByteArray() : ReadCatalogueFile(m_path)),
+      m_root(m_isNew ? QJsonObject() : ParseCatalogue(m_path, m_bytes)),
+      m_catalogue(m_path, m_root)
+{
+}
+
+CatalogueEditor::~CatalogueEditor() = default;
+
+ZAXMatDefinition CatalogueEditor::GetRecord(ZAXMatDefinition::Type type, const QByteArray& key) const
+{
+    const auto place = m_places.constFind({type, key});
+    if (place != m_places.cend())
+        return m_edits[*place].after;
+    return type == ZAXMatDefinition::Material ? m_catalogue.GetMaterial(key) : m_catalogue.GetStockForm(key);
+}
+
+void CatalogueEditor::Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after)
+{
+    const auto place = m_places.constFind({type, key});
+    if (place != m_places.cend()) {
+        m_edits[*place].after = after;
+        return;
+    }
+    m_edits.append({GetRecord(type, key), after});
+    m_places.insert({type, key}, m_edits.size() - 1);
+}
+
+void CatalogueEditor::SetRecord(const ZAXMatDefinition& record)
+{
+    Stage(record.GetType(), record.GetKey(), record);
+}
+
+void CatalogueEditor::RemoveRecord(ZAXMatDefinition::Type type, const QByteArray& key)
+{
+    Stage(type, key, {});
+}
+
+QList<RecordEdit> CatalogueEditor::Changes() const
+{
+    QList<RecordEdit> changes;
+    std::ranges::copy_if(m_edits, std::back_inserter(changes),
+                         [](const RecordEdit& edit) { return !IsSameRecord(edit.before, edit.after); });
+    return changes;
+}
+
+std::optional<QJsonObject> CatalogueEditor::ReadTheirs() const
+{
+    const bool isThere = QFileInfo::exists(m_path);
+    const QByteArray bytes = isThere || !m_isNew ? ReadCatalogueFile(m_path) : QByteArray();
+    if (isThere != m_isNew && bytes == m_bytes)
+        return std::nullopt;
+    return ParseCatalogue(m_path, bytes);
+}
+
+QJsonObject CatalogueEditor::Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const
+{
+    const auto conflicts = ConflictsOf(changes, m_catalogue, Catalogue(m_path, theirs));
+    if (!conflicts.isEmpty()) {
+        throw Failure(ExitCode::FileChanged,
+                      Text::tr("The catalogue %1 was changed by somebody else meanwhile, and so were the same records. "
+                               "Nothing was written:\n%2\nLook at them, and try again.")
+                          .arg(QuotedPath(m_path), ConflictText(conflicts)));
+    }
+    return Edited(theirs, changes);
+}
+
+CommitResult CatalogueEditor::Commit()
+{
+    const QList<RecordEdit> changes = Changes();
+    CommitResult result = CountEdits(changes);
+    if (changes.isEmpty())
+        return result;
+    if (m_beforeCommit)
+        m_beforeCommit();
+    const auto theirs = ReadTheirs();
+    result.isMerged = theirs.has_value();
+    const QByteArray text = ToText(theirs ? Merged(changes, *theirs) : Edited(m_root, changes));
+    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(m_path, text); !saved) {
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The catalogue %1 cannot be written: %2.").arg(QuotedPath(m_path), saved.GetMessage()));
+    }
+    Verify(changes, text);
+    result.isWritten = true;
+    return result;
+}
+
+void CatalogueEditor::Verify(const QList<RecordEdit>& changes, const QByteArray& text) const
+{
+    const QByteArray bytes = ReadCatalogueFile(m_path);
+    const QJsonObject root = ParseCatalogue(m_path, bytes);
+    const auto isWritten = [&](const RecordEdit& edit) {
+        const ZAXMatDefinition& record = edit.after.IsValid() ? edit.after : edit.before;
+        return IsSameRecord(RecordIn(root, record.GetType(), record.GetKey()), edit.after);
+    };
+    if (bytes == text && std::ranges::all_of(changes, isWritten))
+        return;
+    throw Failure(ExitCode::FileFailure,
+                  Text::tr("The catalogue %1 was written, but does not hold now what was written. Somebody else may "
+                           "have replaced it. Look at it, and try again.")
+                      .arg(QuotedPath(m_path)));
+}
+
+} // namespace zaxmat

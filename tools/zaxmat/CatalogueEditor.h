@@ -1,0 +1,94 @@
+#ifndef ZAXMAT_CATALOGUEEDITOR_H
+#define ZAXMAT_CATALOGUEEDITOR_H
+
+#include "Catalogue.h"
+#include "FileLock.h"
+#include "RecordMerge.h"
+
+#include <QHash>
+
+#include <functional>
+#include <optional>
+#include <utility>
+
+namespace zaxmat {
+
+/// What an edit of a catalogue came to.
+struct CommitResult
+{
+    qsizetype added = 0;
+    qsizetype changed = 0;
+    qsizetype removed = 0;
+    /// Whether the file was written; it is left alone when nothing is to be changed.
+    bool isWritten = false;
+    /// Whether somebody else had changed the file meanwhile, and both changes are in it now.
+    bool isMerged = false;
+    /// What was done.
+    QList<RecordEdit> edits = {};
+};
+
+/// A catalogue that is being changed. It is locked from the construction to the end. What is to become of its records
+/// is collected, and written all at once by Commit(), or not at all. Schema makes new records.
+class CatalogueEditor
+{
+public:
+    enum class MissingFile
+    {
+        Refuse,
+        /// Commit() makes it, in a folder that is there.
+        Create,
+    };
+
+    /// Locks the catalogue, waiting up to a minute for others, and reads it. \a beforeCommit is called by Commit()
+    /// before that looks at the file, for tests in which somebody else writes meanwhile.
+    /// \throws Failure (FileFailure) when it stays locked, and for a file that Catalogue does not take.
+    explicit CatalogueEditor(const CatalogueOptions& options, MissingFile missing = MissingFile::Refuse,
+                             std::function<void()> beforeCommit = {});
+    ~CatalogueEditor();
+    CatalogueEditor(const CatalogueEditor&) = delete;
+    CatalogueEditor& operator=(const CatalogueEditor&) = delete;
+
+    /// The catalogue as it was read; what was collected since is not in it.
+    const Catalogue& GetCatalogue() const { return m_catalogue; }
+    /// Whether the file was not there.
+    bool IsNew() const { return m_isNew; }
+
+    /// The record as it is to be, after what was collected so far; invalid if there is none.
+    ZAXMatDefinition GetRecord(ZAXMatDefinition::Type type, const QByteArray& key) const;
+    /// Has the catalogue hold \a record, which must be valid, in the place of the one of its type and key, or besides
+    /// all others.
+    void SetRecord(const ZAXMatDefinition& record);
+    /// Takes the record of that type and key out of the catalogue. The stock forms of a material stay.
+    void RemoveRecord(ZAXMatDefinition::Type type, const QByteArray& key);
+
+    /// Writes what was collected: looks whether the file still holds what was read and otherwise merges record by
+    /// record, replaces it, reads it again and compares. Nothing is written when nothing is changed.
+    /// \throws Failure (FileChanged) when somebody else changed one of the same records meanwhile, nothing being
+    /// written; (FileFailure) when the file cannot be written, or does not hold afterwards what it should.
+    CommitResult Commit();
+
+private:
+    void Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after);
+    /// What was collected and is a change.
+    QList<RecordEdit> Changes() const;
+    /// What the file holds now; nothing when that is what was read.
+    std::optional<QJsonObject> ReadTheirs() const;
+    QJsonObject Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const;
+    /// \throws Failure unless the file holds \a text and that the \a changes.
+    void Verify(const QList<RecordEdit>& changes, const QByteArray& text) const;
+
+    QString m_path;
+    std::function<void()> m_beforeCommit;
+    FileLock m_lock;
+    bool m_isNew;
+    QByteArray m_bytes;
+    QJsonObject m_root;
+    Catalogue m_catalogue;
+    QList<RecordEdit> m_edits;
+    /// Where in the list a record of that type and key is.
+    QHash<std::pair<int, QByteArray>, qsizetype> m_places;
+};
+
+} // namespace zaxmat
+
+#endif

@@ -1,0 +1,98 @@
+#include "FileLock.h"
+
+#include "Failure.h"
+#include "Text.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSysInfo>
+#include <QThread>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zaxmat {
+
+namespace {
+
+/// What QLockFile writes into its files: the process, its program, its host.
+QByteArray OwnerText()
+{
+    return QByteArray::number(qint64(getpid())) + '\n' + QCoreApplication::applicationName().toUtf8() + '\n' +
+           QSysInfo::machineHostName().toUtf8() + '\n';
+}
+
+/// Who has the lock, as far as it says so.
+QString HolderText(const QByteArray& lockPath)
+{
+    QFile file(QFile::decodeName(lockPath));
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.read(4096) : QByteArray();
+    const QList<QByteArray> lines = text.split('\n');
+    if (lines.size() < 3 || lines[0].isEmpty())
+        return Text::tr("another program");
+    return Text::tr("process %1 (%2) on %3")
+        .arg(QString::fromUtf8(lines[0]), QString::fromUtf8(lines[1]), QString::fromUtf8(lines[2]));
+}
+
+/// Whether \a file is still the one that \a path names.
+bool IsInPlace(int file, const QByteArray& path)
+{
+    struct stat own = {};
+    struct stat present = {};
+    return fstat(file, &own) == 0 && stat(path.constData(), &present) == 0 && own.st_dev == present.st_dev &&
+           own.st_ino == present.st_ino;
+}
+
+Failure CannotLock(const QByteArray& lockPath, int error)
+{
+    return {ExitCode::FileFailure, Text::tr("The lock %1 cannot be made: %2. Nothing was written.")
+                                       .arg(QuotedPath(QFile::decodeName(lockPath)), qt_error_string(error))};
+}
+
+} // namespace
+
+FileLock::FileLock(const QString& path, qint64 timeout) : m_lockPath(QFile::encodeName(path) + ".lock")
+{
+    const QDeadlineTimer deadline(timeout);
+    while (!TryLock()) {
+        if (deadline.hasExpired()) {
+            throw Failure(ExitCode::FileFailure,
+                          Text::tr("%1 is locked by %2, which has not given it back for %3 seconds. Nothing was "
+                                   "written.")
+                              .arg(QuotedPath(path), HolderText(m_lockPath), QString::number(timeout / 1000)));
+        }
+        // Not all that wait at the same time.
+        QThread::usleep(1000 + QRandomGenerator::global()->bounded(9000));
+    }
+}
+
+FileLock::~FileLock()
+{
+    // While the lock is held, or a process that waits would lock what nobody looks at any more.
+    unlink(m_lockPath.constData());
+    close(m_file);
+}
+
+bool FileLock::TryLock()
+{
+    m_file = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (m_file < 0)
+        throw CannotLock(m_lockPath, errno);
+    // Somebody who gave the lock back may have removed the file since it was opened.
+    if (flock(m_file, LOCK_EX | LOCK_NB) != 0 || !IsInPlace(m_file, m_lockPath)) {
+        close(m_file);
+        return false;
+    }
+    const QByteArray owner = OwnerText();
+    // Only a help for those who wait.
+    if (ftruncate(m_file, 0) != 0 || write(m_file, owner.constData(), owner.size()) != owner.size())
+        errno = 0;
+    return true;
+}
+
+} // namespace zaxmat

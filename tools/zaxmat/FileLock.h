@@ -1,0 +1,31 @@
+#ifndef ZAXMAT_FILELOCK_H
+#define ZAXMAT_FILELOCK_H
+
+#include <QByteArray>
+#include <QString>
+
+namespace zaxmat {
+
+/// Keeps other processes from changing a file, through a file `<name>.lock` beside it. The operating system gives the
+/// lock back when its process ends, however it ends; the file that a killed one leaves goes with the next lock.
+/// A QLockFile of that name respects it, and is respected.
+class FileLock
+{
+public:
+    /// Locks the file \a path, waiting for others for \a timeout milliseconds.
+    /// \throws Failure (FileFailure) that names who has the lock, and when no lock can be made.
+    FileLock(const QString& path, qint64 timeout);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+private:
+    bool TryLock();
+
+    QByteArray m_lockPath;
+    int m_file = -1;
+};
+
+} // namespace zaxmat
+
+#endif

@@ -1,0 +1,61 @@
+#include "FileReplacement.h"
+
+#include "CatalogueFile.h"
+#include "Failure.h"
+#include "Text.h"
+
+#include "ZAXHostFileSaver.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace zaxmat {
+
+namespace {
+
+Failure Unwritable(const QString& path, const QString& why)
+{
+    return {ExitCode::FileFailure,
+            Text::tr("%1 cannot be written: %2. The catalogue is as it was.").arg(QuotedPath(path), why)};
+}
+
+} // namespace
+
+QString KeepCopy(const QString& path, const QByteArray& bytes)
+{
+    const auto nameOf = [&path](int i) {
+        return path + (i == 1 ? QLatin1String(".bak") : QLatin1String(".bak") + QString::number(i));
+    };
+    int i = 1;
+    while (QFileInfo::exists(nameOf(i)) || QFileInfo(nameOf(i)).isSymLink())
+        ++i;
+    QFile copy(nameOf(i));
+    if (!copy.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+        throw Unwritable(copy.fileName(), copy.errorString());
+    copy.setPermissions(QFile::permissions(path));
+    const bool isWritten = copy.write(bytes) == bytes.size() && copy.flush();
+    const QString reason = copy.errorString();
+    copy.close();
+    if (!isWritten) {
+        copy.remove();
+        throw Unwritable(copy.fileName(), reason);
+    }
+    if (ReadCatalogueFile(copy.fileName()) != bytes)
+        throw Unwritable(copy.fileName(), Text::tr("it does not hold what was written"));
+    return copy.fileName();
+}
+
+void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes)
+{
+    if (ReadCatalogueFile(path) != before)
+        throw Failure(ExitCode::FileChanged,
+                      Text::tr("Somebody else changed the catalogue %1 meanwhile. Nothing was written; try again.")
+                          .arg(QuotedPath(path)));
+    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(path, bytes); !saved)
+        throw Unwritable(path, saved.GetMessage());
+    if (ReadCatalogueFile(path) != bytes)
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The catalogue %1 does not hold what was written to it.").arg(QuotedPath(path)));
+}
+
+} // namespace zaxmat

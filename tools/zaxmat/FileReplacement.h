@@ -1,0 +1,21 @@
+#ifndef ZAXMAT_FILEREPLACEMENT_H
+#define ZAXMAT_FILEREPLACEMENT_H
+
+#include <QByteArray>
+#include <QString>
+
+namespace zaxmat {
+
+/// A new file beside \a path that holds \a bytes, "materials.json.bak" or, where that is taken, "materials.json.bak2"
+/// and so on. Its bytes were read back.
+/// \throws Failure (FileFailure) when it cannot be written.
+QString KeepCopy(const QString& path, const QByteArray& bytes);
+
+/// Makes \a bytes the contents of the file \a path, which holds \a before: it is replaced as a whole, and read back.
+/// Its permissions stay. \throws Failure when it holds something else by now (FileChanged), or cannot be written
+/// (FileFailure).
+void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes);
+
+} // namespace zaxmat
+
+#endif
