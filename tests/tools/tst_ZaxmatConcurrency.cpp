@@ -86,32 +86,26 @@ QStringList Files(const Workshop& workshop)
 
 void tst_ZaxmatConcurrency::noUpdateOfParallelProcessesIsLost()
 {
-    const int count = Sized(60, 200);
+    const int count = Sized(50, 200);
     const Workshop workshop;
     WriteMaterials(workshop, count);
-    Processes setting;
-    Processes adding;
+    Processes processes;
     for (int i = 0; i < count; ++i) {
-        setting.push_back(Start(workshop, {"set", KeyOf(i), "thickness=" + QString::number(i + 2)}));
-        // Every other one adds.
-        for (int j = i % 2; j < 1; ++j)
-            adding.push_back(Start(workshop, {"add", "New " + QString::number(i), "thickness=1"}));
+        const QString number = QString::number(i);
+        const QString prices = workshop.Path("prices " + number + ".csv");
+        Workshop::Write(prices, "name,thickness\nImported " + number.toUtf8() + ",1\n");
+        processes.push_back(Start(workshop, {"set", KeyOf(i), "thickness=" + QString::number(i + 2)}));
+        processes.push_back(Start(workshop, {"import", prices}));
     }
-    int done = 0;
-    for (const Processes* processes : {&setting, &adding}) {
-        for (const auto& process : *processes) {
-            QVERIFY2(IsDone(*process), process->readAll().constData());
-            ++done;
-        }
-    }
-    QCOMPARE(done, count + count / 2);
+    for (const auto& process : processes)
+        QVERIFY2(IsDone(*process), process->readAll().constData());
     const QJsonObject root = Root(workshop);
-    QCOMPARE(root.size(), count + count / 2);
+    QCOMPARE(root.size(), 2 * count);
     for (int i = 0; i < count; ++i)
         QCOMPARE(Value(root, KeyOf(i), "thickness"), QJsonValue(i + 2));
     const QStringList names = Names(root);
-    for (int i = 0; i < count; i += 2)
-        QCOMPARE(names.count("New " + QString::number(i)), 1);
+    for (int i = 0; i < count; ++i)
+        QCOMPARE(names.count("Imported " + QString::number(i)), 1);
     QCOMPARE(Files(workshop), QStringList{"materials.json"});
 }
 

@@ -182,7 +182,7 @@ ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
 
     const QList<RecordChange> changes = storing.GetChanges();
     if (!changes.isEmpty() || output.GetFormat() != Format::Table) {
-        output.Print(ChangesTable(changes));
+        output.Print(ChangesTable(changes, output.GetUnit()));
         output.Print(QString());
     }
     const QString path = QuotedPath(catalogue.GetFilePath());

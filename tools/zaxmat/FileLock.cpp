@@ -58,13 +58,19 @@ Failure CannotLock(const QByteArray& lockPath, int error)
 
 FileLock::FileLock(const QString& path, qint64 timeout) : m_lockPath(QFile::encodeName(path) + ".lock")
 {
-    const QDeadlineTimer deadline(timeout);
+    QDeadlineTimer deadline(timeout);
+    QString holder;
     while (!TryLock()) {
+        // Many may wait, and each gets its turn as long as those before it come to an end.
+        if (const QString current = HolderText(m_lockPath); current != holder) {
+            holder = current;
+            deadline.setRemainingTime(timeout);
+        }
         if (deadline.hasExpired()) {
             throw Failure(ExitCode::FileFailure,
                           Text::tr("%1 is locked by %2, which has not given it back for %3 seconds. Nothing was "
                                    "written.")
-                              .arg(QuotedPath(path), HolderText(m_lockPath), QString::number(timeout / 1000)));
+                              .arg(QuotedPath(path), holder, QString::number(timeout / 1000)));
         }
         // Not all that wait at the same time.
         QThread::usleep(1000 + QRandomGenerator::global()->bounded(9000));

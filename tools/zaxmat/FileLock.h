@@ -12,7 +12,8 @@ namespace zaxmat {
 class FileLock
 {
 public:
-    /// Locks the file \a path, waiting for others for \a timeout milliseconds.
+    /// Locks the file \a path, waiting \a timeout milliseconds at most for each of the others that has the lock
+    /// meanwhile.
     /// \throws Failure (FileFailure) that names who has the lock, and when no lock can be made.
     FileLock(const QString& path, qint64 timeout);
     ~FileLock();
