@@ -7,6 +7,7 @@
 #include "Output.h"
 #include "Progress.h"
 #include "RecordChanges.h"
+#include "RecordDifference.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -111,9 +112,10 @@ void AddRow(const ImportedRow& row, LengthUnit unit, Table& table)
                            QString::fromLatin1(row.record.GetKey())};
     };
     const Cell nothing{QString(), QJsonValue()};
-    if (row.fields.isEmpty())
+    const auto fields = row.kind == Kind::Changed ? DifferencesOf(row.before, row.record) : QList<FieldDifference>();
+    if (fields.isEmpty())
         table.AddRow(cells(QString(), nothing, nothing));
-    for (const FieldDifference& field : row.fields) {
+    for (const FieldDifference& field : fields) {
         const auto [before, after] = ValueCells(row.record, field, unit);
         table.AddRow(cells(field.field, before, after));
     }
