@@ -223,7 +223,8 @@ void AddImportCommand(CLI::App& program, Action& chosen)
              Text::tr("The columns by which rows are matched with records, such as name,thickness. Stock forms are "
                       "looked for in their material. Default: key."),
              options->match)
-        ->delimiter(',');
+        ->delimiter(',')
+        ->allow_extra_args(false);
     command->add_flag("--dry-run", options->isDryRun,
                       Utf8(Text::tr("Shows what would become of each row, and writes "
                                     "nothing.")));
