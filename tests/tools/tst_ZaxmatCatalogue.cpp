@@ -25,7 +25,6 @@ private slots:
     void otherThingsThanFilesAreRefused();
     void unreadableFileIsRefused_data();
     void unreadableFileIsRefused();
-    void theReasonInTheLogCanBeBroughtBack();
 };
 
 namespace {
@@ -211,15 +210,6 @@ void tst_ZaxmatCatalogue::unreadableFileIsRefused()
     QCOMPARE(run.out, "");
     QCOMPARE(run.code, 3);
     QVERIFY(!QFile::exists(workshop.Path("a.zaxdoc")));
-}
-
-void tst_ZaxmatCatalogue::theReasonInTheLogCanBeBroughtBack()
-{
-    Workshop workshop;
-    Workshop::Write(workshop.CatalogueFile(), "{");
-    workshop.environment.insert("QT_LOGGING_RULES", "zax.material.json=true");
-    const Run run = workshop.Zaxmat({"list"});
-    QVERIFY2(run.err.startsWith("zax.material.json: "), qUtf8Printable(run.err));
 }
 
 QTEST_GUILESS_MAIN(tst_ZaxmatCatalogue)

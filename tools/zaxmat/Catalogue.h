@@ -16,7 +16,8 @@
 namespace zaxmat {
 
 /// What the materials.json of a folder held when it was read, record by record. It says the same as the library's
-/// provider for that folder, without making a ZAXMatDefinition of what nobody asks for.
+/// provider for that folder, without making a ZAXMatDefinition of what nobody asks for; where it can, it does not even
+/// parse such records.
 class Catalogue
 {
 public:
@@ -33,8 +34,14 @@ public:
     static QByteArray GetProviderId();
 
     /// All materials, and all stock forms, in the order of the file. Of several records of one key the last one counts.
-    const QList<CatalogueRecord>& ReadMaterials() const { return m_materials.records; }
-    const QList<CatalogueRecord>& ReadStockForms() const { return m_stockForms.records; }
+    const QList<CatalogueRecord>& ReadMaterials() const { return m_materials.ReadAll(); }
+    const QList<CatalogueRecord>& ReadStockForms() const { return m_stockForms.ReadAll(); }
+    /// At least those records of that type that hold all of the properties \a names, which are of plain letters.
+    QList<CatalogueRecord> ReadRecordsWith(ZAXMatDefinition::Type type, const QList<QByteArray>& names) const;
+
+    /// The number of materials, and of all stock forms.
+    qsizetype CountMaterials() const { return m_materials.Count(); }
+    qsizetype CountStockForms() const { return m_stockForms.Count(); }
 
     /// The material, or the stock form, under \a key; an invalid record when there is none.
     ZAXMatDefinition GetMaterial(const QByteArray& key) const;
@@ -48,20 +55,44 @@ public:
     qsizetype CountStockForms(const QByteArray& materialKey) const;
 
 private:
-    /// Records, and the place of each by its key as soon as somebody asks for it.
-    struct Records
+    /// Records of one type. What is asked for often is made the first time.
+    class Records
     {
-        ZAXMatDefinition Get(const QByteArray& key) const;
+    public:
+        /// A record that has been read.
+        void Append(const CatalogueRecord& record);
+        /// A record that is to be read from \a text when somebody asks. All three live as long as the catalogue.
+        void Append(const QByteArray& text, const QByteArray& key, const QByteArray& materialKey);
+        /// Takes records out that a later one of the same key replaces.
+        void KeepLast();
 
-        QList<CatalogueRecord> records;
-        mutable QHash<QByteArray, qsizetype> places;
+        qsizetype Count() const { return m_keys.size(); }
+        const QList<CatalogueRecord>& ReadAll() const;
+        QList<CatalogueRecord> ReadWith(const QList<QByteArray>& names) const;
+        ZAXMatDefinition Get(const QByteArray& key) const;
+        QList<ZAXMatDefinition> GetAllOf(const QByteArray& materialKey) const;
+        qsizetype CountAllOf(const QByteArray& materialKey) const;
+
+    private:
+        CatalogueRecord Read(qsizetype place) const;
+        const QMultiHash<QByteArray, qsizetype>& PlacesByMaterial() const;
+
+        QList<QByteArray> m_keys;
+        QList<QByteArray> m_materialKeys;
+        /// Empty when all records have been read from the start.
+        QList<QByteArray> m_texts;
+        mutable QList<CatalogueRecord> m_records;
+        mutable QHash<QByteArray, qsizetype> m_placesByKey;
+        mutable QMultiHash<QByteArray, qsizetype> m_placesByMaterial;
     };
 
+    bool TakeScanned();
+    void TakeParsed(const QJsonObject& root);
+
     QString m_filePath;
+    QByteArray m_bytes;
     Records m_materials;
     Records m_stockForms;
-    mutable QMultiHash<QByteArray, qsizetype> m_stockFormsOf;
-    void PlaceStockForms() const;
 };
 
 } // namespace zaxmat

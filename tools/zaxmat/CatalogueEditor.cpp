@@ -40,6 +40,20 @@ QByteArray ToText(const QJsonObject& root)
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
+/// The record of that type and key; most are named by their keys.
+ZAXMatDefinition RecordIn(const QJsonObject& root, ZAXMatDefinition::Type type, const QByteArray& key)
+{
+    const CatalogueRecord named(root.value(QString::fromLatin1(key)).toObject());
+    if (named.GetKey() == key && named.GetType() == type)
+        return named.ToDefinition();
+    for (const QJsonValue& value : root) {
+        const CatalogueRecord record(value.toObject());
+        if (record.GetKey() == key && record.GetType() == type)
+            return record.ToDefinition();
+    }
+    return {};
+}
+
 CommitResult CountEdits(const QList<RecordEdit>& edits)
 {
     CommitResult result;
@@ -152,13 +166,10 @@ CommitResult CatalogueEditor::Commit()
 void CatalogueEditor::Verify(const QList<RecordEdit>& changes, const QByteArray& text) const
 {
     const QByteArray bytes = ReadCatalogueFile(m_path);
-    const Catalogue catalogue(m_path, ParseCatalogue(m_path, bytes));
+    const QJsonObject root = ParseCatalogue(m_path, bytes);
     const auto isWritten = [&](const RecordEdit& edit) {
         const ZAXMatDefinition& record = edit.after.IsValid() ? edit.after : edit.before;
-        const ZAXMatDefinition now = record.GetType() == ZAXMatDefinition::Material
-                                         ? catalogue.GetMaterial(record.GetKey())
-                                         : catalogue.GetStockForm(record.GetKey());
-        return IsSameRecord(now, edit.after);
+        return IsSameRecord(RecordIn(root, record.GetType(), record.GetKey()), edit.after);
     };
     if (bytes == text && std::ranges::all_of(changes, isWritten))
         return;

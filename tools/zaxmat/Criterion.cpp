@@ -10,6 +10,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <optional>
 
@@ -22,6 +24,12 @@ using Test = std::function<bool(const QJsonValue&)>;
 /// How much closer than any sheet is made two lengths are the same; other numbers must be equal but for rounding.
 constexpr double lengthTolerance = 0.001;
 constexpr double relativeTolerance = 1e-12;
+
+/// Whether records have a member of that name besides their properties that can be asked for.
+bool IsMember(const QByteArray& name)
+{
+    return name == "name" || name == "key" || name == "materialKey";
+}
 
 struct Range
 {
@@ -159,6 +167,7 @@ Criterion::Criterion(const QString& text, const QByteArray& extension)
     m_name = ParsePropertyName(text.first(sign));
     m_extension = m_name.extension.isEmpty() ? extension : m_name.extension;
     const QString value = text.sliced(sign + 1).trimmed();
+    m_asksForNoValue = value.isEmpty();
     for (const auto type : {ZAXMatDefinition::Material, ZAXMatDefinition::Packaging}) {
         QMetaProperty property = FindProperty(ClassOf(type, m_extension), m_name.property);
         if (!property.isValid() && m_name.extension.isEmpty())
@@ -177,6 +186,14 @@ bool Criterion::Matches(const CatalogueRecord& record) const
     return m_sides.at(record.GetType()).test(ValueOf(record));
 }
 
+QByteArray Criterion::GetNeededName() const
+{
+    const auto isPlain = [](char letter) { return (letter & ~0x20) >= 'A' && (letter & ~0x20) <= 'Z'; };
+    const bool isNeeded =
+        !m_asksForNoValue && !IsMember(m_name.property) && std::ranges::all_of(m_name.property, isPlain);
+    return isNeeded ? m_name.property : QByteArray();
+}
+
 bool Criterion::IsKnownTo(const CatalogueRecord& record) const
 {
     return m_sides.at(record.GetType()).property.isValid() || !ValueOf(record).isUndefined();
@@ -189,9 +206,7 @@ QJsonValue Criterion::ValueOf(const CatalogueRecord& record) const
     if (!value.isUndefined() || !m_name.extension.isEmpty())
         return value;
     const QJsonValue own = m_extension.isEmpty() ? value : record.GetValue(property);
-    const bool isMember = property == QLatin1String("name") || property == QLatin1String("key") ||
-                          property == QLatin1String("materialKey");
-    return own.isUndefined() && isMember ? record.GetObject().value(property) : own;
+    return own.isUndefined() && IsMember(m_name.property) ? record.GetObject().value(property) : own;
 }
 
 } // namespace zaxmat

@@ -30,6 +30,9 @@ public:
     bool IsKnownTo(const CatalogueRecord& record) const;
 
     const PropertyName& GetName() const { return m_name; }
+    /// The name of a property that every record which meets it holds, for Catalogue::ReadRecordsWith(); empty when
+    /// there is no such thing.
+    QByteArray GetNeededName() const;
     /// The value that it looks at; undefined if \a record has none.
     QJsonValue ValueOf(const CatalogueRecord& record) const;
     /// The property that it looks at; an invalid one for what is none.
@@ -47,6 +50,7 @@ private:
 
     PropertyName m_name;
     QByteArray m_extension;
+    bool m_asksForNoValue = false;
     std::array<Side, 2> m_sides;
 };
 

@@ -211,9 +211,7 @@ void AddDocumentStoreCommand(CLI::App& program, Action& chosen)
     command->footer(
         Utf8(Text::tr("Lengths and densities are stored as plain numbers. Records that the catalogue has of "
                       "other stock forms stay.")));
-    AddExample(*command,
-               QLatin1String("zaxmat document store job.zaxdoc S235JR --stock-forms"));
-    AddExample(*command, QLatin1String("zaxmat document store job.zaxdoc S235JR --new"));
+    AddExample(*command, QLatin1String("zaxmat document store job.zaxdoc S235JR --stock-forms"));
     command->callback(
         [options, &chosen] { chosen = [options](Output& output) { return RunDocumentStore(*options, output); }; });
 }

@@ -21,14 +21,19 @@ bool HasExtension(const CatalogueRecord& record, const QString& extension)
     return extension.isEmpty() || !record.GetValues(QLatin1String(extension.toLatin1())).isEmpty();
 }
 
-QList<CatalogueRecord> Matching(QList<CatalogueRecord> records, const FindOptions& options,
+QList<CatalogueRecord> Matching(const Catalogue& catalogue, ZAXMatDefinition::Type type, const FindOptions& options,
                                 const QList<Criterion>& criteria)
 {
+    QList<QByteArray> names;
+    for (const Criterion& criterion : criteria)
+        names.append(criterion.GetNeededName());
+    names.removeAll(QByteArray());
     QList<CatalogueRecord> found;
-    std::ranges::copy_if(records, std::back_inserter(found), [&](const CatalogueRecord& record) {
-        return HasExtension(record, options.extension) &&
-               std::ranges::all_of(criteria, [&](const Criterion& criterion) { return criterion.Matches(record); });
-    });
+    std::ranges::copy_if(
+        catalogue.ReadRecordsWith(type, names), std::back_inserter(found), [&](const CatalogueRecord& record) {
+            return HasExtension(record, options.extension) &&
+                   std::ranges::all_of(criteria, [&](const Criterion& criterion) { return criterion.Matches(record); });
+        });
     SortRecords(found);
     return found;
 }
@@ -95,8 +100,8 @@ ExitCode RunFind(const FindOptions& options, Output& output)
     for (const QString& text : options.criteria)
         criteria.append(Criterion(text, options.extension.toLatin1()));
     const Catalogue catalogue(options.catalogue);
-    const auto materials = Matching(catalogue.ReadMaterials(), options, criteria);
-    const auto stockForms = Matching(catalogue.ReadStockForms(), options, criteria);
+    const auto materials = Matching(catalogue, ZAXMatDefinition::Material, options, criteria);
+    const auto stockForms = Matching(catalogue, ZAXMatDefinition::Packaging, options, criteria);
     if (materials.isEmpty() && stockForms.isEmpty()) {
         for (const Criterion& criterion : std::as_const(criteria))
             RequireKnown(criterion, catalogue);

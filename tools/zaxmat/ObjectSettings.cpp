@@ -82,7 +82,8 @@ QVariant ValueOf(const QMetaProperty& property, const PropertyName& name, const 
 
 void SetLabel(ZAXFeatObject& object, const QString& label)
 {
-    object.SetLabel(label);
+    // An empty label that is not null would be saved, and come back as null.
+    object.SetLabel(label.isEmpty() ? QString() : label);
     if (auto* const material = qobject_cast<ZAXMatMaterial*>(&object))
         material->UpdateMaterialId();
 }

@@ -31,18 +31,46 @@ const ZAXMatDefinition& EitherOf(const RecordEdit& edit)
     return edit.after.IsValid() ? edit.after : edit.before;
 }
 
-/// The records of a catalogue by what tells them apart: the names of their members.
-QMultiHash<Identity, QString> MembersOf(const QJsonObject& root)
+/// Whether each member of \a root is named by the key of its record, so that no two have the same key.
+bool IsNamedByKeys(const QJsonObject& root)
 {
-    QMultiHash<Identity, QString> members;
-    members.reserve(root.size());
     for (auto member = root.begin(); member != root.end(); ++member) {
-        const CatalogueRecord record(member.value().toObject());
-        if (record.IsValid())
-            members.insert(IdentityOf(record), member.key());
+        if (CatalogueRecord(member.value().toObject()).GetKey() != member.key().toUtf8())
+            return false;
     }
-    return members;
+    return true;
 }
+
+/// Where the records of a catalogue stand.
+class Members
+{
+public:
+    explicit Members(const QJsonObject& root) : m_root(root)
+    {
+        if (IsNamedByKeys(root))
+            return;
+        for (auto member = root.begin(); member != root.end(); ++member) {
+            const CatalogueRecord record(member.value().toObject());
+            if (record.IsValid())
+                m_names.insert(IdentityOf(record), member.key());
+        }
+    }
+
+    /// The names of the members that hold the record.
+    QStringList NamesOf(const Identity& identity) const
+    {
+        if (!m_names.isEmpty())
+            return m_names.values(identity);
+        const QString name = QString::fromLatin1(identity.second);
+        const CatalogueRecord record(m_root.value(name).toObject());
+        return record.IsValid() && IdentityOf(record) == identity ? QStringList{name} : QStringList();
+    }
+
+private:
+    QJsonObject m_root;
+    /// Empty when the names are the keys.
+    QMultiHash<Identity, QString> m_names;
+};
 
 ZAXMatDefinition RecordIn(const Catalogue& catalogue, const ZAXMatDefinition& record)
 {
@@ -82,9 +110,9 @@ QList<RecordConflict> LosingTheirMaterial(const QList<RecordEdit>& edits, const 
 }
 
 /// Where \a record stands in \a root, the member of its key when it is not there yet.
-QString MemberOf(const ZAXMatDefinition& record, const QJsonObject& root, const QMultiHash<Identity, QString>& members)
+QString MemberOf(const ZAXMatDefinition& record, const QJsonObject& root, const Members& members)
 {
-    const QStringList found = members.values(IdentityOf(record));
+    const QStringList found = members.NamesOf(IdentityOf(record));
     const QString key = QString::fromLatin1(record.GetKey());
     if (found.size() > 1) {
         throw Failure(ExitCode::FileFailure,
@@ -101,19 +129,27 @@ QString MemberOf(const ZAXMatDefinition& record, const QJsonObject& root, const 
     return found.isEmpty() ? key : found.constFirst();
 }
 
-/// \a root with the members \a changed put in or, where they are no objects, taken out. Inserting them one by one would
-/// move the rest of the members each time.
+/// \a root with the members \a changed put in or, where they are undefined, taken out. Members are put behind one
+/// another: inserting new ones into \a root would move the rest of it each time.
 QJsonObject WithMembers(const QJsonObject& root, const QMap<QString, QJsonValue>& changed)
 {
-    QMap<QString, QJsonValue> members;
-    for (auto member = root.begin(); member != root.end(); ++member)
-        members.insert(members.cend(), member.key(), member.value());
-    for (auto member = changed.begin(); member != changed.end(); ++member)
-        members.insert(member.key(), member.value());
     QJsonObject result;
-    for (auto member = members.begin(); member != members.end(); ++member) {
-        if (!member.value().isUndefined())
-            result.insert(member.key(), member.value());
+    auto change = changed.cbegin();
+    const auto putChangesUpTo = [&](const QString& name) {
+        for (; change != changed.cend() && change.key() <= name; ++change) {
+            if (!change.value().isUndefined())
+                result.insert(change.key(), change.value());
+        }
+    };
+    for (auto member = root.begin(); member != root.end(); ++member) {
+        const QString name = member.key();
+        putChangesUpTo(name);
+        if (!changed.contains(name))
+            result.insert(name, member.value());
+    }
+    for (; change != changed.cend(); ++change) {
+        if (!change.value().isUndefined())
+            result.insert(change.key(), change.value());
     }
     return result;
 }
@@ -184,7 +220,7 @@ QList<RecordConflict> ConflictsOf(const QList<RecordEdit>& edits, const Catalogu
 
 QJsonObject Edited(const QJsonObject& root, const QList<RecordEdit>& edits)
 {
-    const auto members = MembersOf(root);
+    const Members members(root);
     QMap<QString, QJsonValue> changed;
     for (const RecordEdit& edit : edits) {
         const QString member = MemberOf(EitherOf(edit), root, members);

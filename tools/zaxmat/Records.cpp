@@ -8,7 +8,7 @@
 #include "ZAXMatMaterial.h"
 #include "ZAXSysDefinedValue.h"
 
-#include <QSet>
+#include <QHash>
 
 #include <algorithm>
 #include <cmath>
@@ -138,25 +138,21 @@ QList<ZAXMatDefinition> FindStockForms(const QList<ZAXMatDefinition>& stockForms
 
 QList<ZAXMatDefinition> FindStockForms(const Catalogue& catalogue, const QString& text)
 {
-    QList<ZAXMatDefinition> found;
     const auto records = FindByKeyOrName(catalogue.ReadStockForms(), text);
-    // The materials in their order, and below each the stock forms in theirs.
-    QSet<QByteArray> materialKeys;
+    QHash<QByteArray, QList<CatalogueRecord>> byMaterial;
     for (const CatalogueRecord& record : records)
-        materialKeys.insert(record.GetMaterialKey());
-    const auto materials = Definitions(Matching(catalogue.ReadMaterials(), [&](const CatalogueRecord& material) {
-        return materialKeys.contains(material.GetKey());
-    }));
-    for (const ZAXMatDefinition& material : materials) {
-        const QByteArray key = material.GetKey();
-        materialKeys.remove(key);
-        found += Definitions(
-            Matching(records, [&](const CatalogueRecord& record) { return record.GetMaterialKey() == key; }));
-    }
+        byMaterial[record.GetMaterialKey()].append(record);
+    QList<CatalogueRecord> materials = Matching(catalogue.ReadMaterials(), [&](const CatalogueRecord& material) {
+        return byMaterial.contains(material.GetKey());
+    });
+    SortRecords(materials);
+    QList<ZAXMatDefinition> found;
+    for (const CatalogueRecord& material : std::as_const(materials))
+        found += Definitions(byMaterial.take(material.GetKey()));
     // Those of no material come last.
-    return found + Definitions(Matching(records, [&](const CatalogueRecord& record) {
-               return materialKeys.contains(record.GetMaterialKey());
-           }));
+    for (const QList<CatalogueRecord>& others : std::as_const(byMaterial))
+        found += Definitions(others);
+    return found;
 }
 
 QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit)
