@@ -383,6 +383,8 @@ void tst_ZaxmatImport::matchesByColumns()
     // What a column says that is the same in another unit is no change.
     QCOMPARE(ValueIn(workshop, "acrylic-12.7", "thickness"), QJsonValue("0.5 in"));
     QCOMPARE(ValueIn(workshop, "steel-2", "density"), QJsonValue(7.85));
+    const Run again = workshop.Zaxmat({"import", "--match", "name,thickness", workshop.Path("prices ø.csv")});
+    QCOMPARE(again.out, "Rows added: 0, changed: 0, unchanged: 3, rejected: 0\nNothing was to be written.\n");
 }
 
 void tst_ZaxmatImport::matchesStockFormsWithinTheirMaterial()

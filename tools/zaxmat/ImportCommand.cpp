@@ -7,6 +7,7 @@
 #include "Output.h"
 #include "Progress.h"
 #include "RecordChanges.h"
+#include "RecordDifference.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -111,9 +112,10 @@ void AddRow(const ImportedRow& row, LengthUnit unit, Table& table)
                            QString::fromLatin1(row.record.GetKey())};
     };
     const Cell nothing{QString(), QJsonValue()};
-    if (row.fields.isEmpty())
+    const auto fields = row.kind == Kind::Changed ? DifferencesOf(row.before, row.record) : QList<FieldDifference>();
+    if (fields.isEmpty())
         table.AddRow(cells(QString(), nothing, nothing));
-    for (const FieldDifference& field : row.fields) {
+    for (const FieldDifference& field : fields) {
         const auto [before, after] = ValueCells(row.record, field, unit);
         table.AddRow(cells(field.field, before, after));
     }
@@ -221,7 +223,8 @@ void AddImportCommand(CLI::App& program, Action& chosen)
              Text::tr("The columns by which rows are matched with records, such as name,thickness. Stock forms are "
                       "looked for in their material. Default: key."),
              options->match)
-        ->delimiter(',');
+        ->delimiter(',')
+        ->allow_extra_args(false);
     command->add_flag("--dry-run", options->isDryRun,
                       Utf8(Text::tr("Shows what would become of each row, and writes "
                                     "nothing.")));

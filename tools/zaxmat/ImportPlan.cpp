@@ -1,6 +1,7 @@
 #include "ImportPlan.h"
 
 #include "Failure.h"
+#include "RecordDifference.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -164,20 +165,21 @@ ImportedRow ImportPlan::PlanRow(const CsvRow& row, Type type)
         QByteArray materialKey;
         const ZAXMatDefinition before = FindTarget(row, type, materialKey);
         ZAXMatDefinition after = before.IsValid() ? before : NewRecord(row, type, materialKey);
-        if (!materialKey.isEmpty())
+        const bool isMoved = !materialKey.isEmpty() && materialKey != before.GetMaterialKey();
+        if (isMoved)
             after.SetMaterialKey(materialKey);
-        SetFields(row, after);
+        const bool isChanged = SetFields(row, after) || isMoved;
         if (!before.IsValid())
             SetEmptyTexts(row, after);
         if (type == ZAXMatDefinition::Material) {
-            NameMaterial(after.GetName(), after.GetKey());
+            m_named.append({after.GetName(), after.GetKey()});
             m_fileKeys.insert(CellOf(row, Kind::Key), after.GetKey());
         }
+        planned.before = before;
         planned.record = after;
-        planned.fields = before.IsValid() ? DifferencesOf(before, after) : QList<FieldDifference>();
-        planned.kind = !before.IsValid()          ? ImportedRow::Kind::Added
-                       : planned.fields.isEmpty() ? ImportedRow::Kind::Unchanged
-                                                  : ImportedRow::Kind::Changed;
+        planned.kind = !before.IsValid() ? ImportedRow::Kind::Added
+                       : isChanged       ? ImportedRow::Kind::Changed
+                                         : ImportedRow::Kind::Unchanged;
     } catch (const Failure& failure) {
         planned.reason = failure.GetMessage();
     }
@@ -289,37 +291,44 @@ void ImportPlan::SetEmptyTexts(const CsvRow& row, ZAXMatDefinition& record) cons
     }
 }
 
-/// Puts all cells of the row into \a record.
+/// Puts all cells of the row into \a record. Whether that changes it.
 /// \throws Failure that tells what is wrong with each.
-void ImportPlan::SetFields(const CsvRow& row, ZAXMatDefinition& record)
+bool ImportPlan::SetFields(const CsvRow& row, ZAXMatDefinition& record)
 {
     QStringList complaints;
+    bool isChanged = false;
     for (qsizetype column = 0; column < m_columns.size(); ++column) {
         try {
-            SetField(row, column, record);
+            isChanged = SetField(row, column, record) || isChanged;
         } catch (const Failure& failure) {
             complaints.append(failure.GetMessage());
         }
     }
     if (!complaints.isEmpty())
         throw Rejected(complaints.join(QLatin1String("; ")));
+    return isChanged;
 }
 
-void ImportPlan::SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record)
+bool ImportPlan::SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record)
 {
     const CsvColumn& csv = m_columns[column];
     const QString text = CellAt(row, column);
     // An empty cell leaves alone what there is.
-    if (csv.kind == Kind::Name && !text.trimmed().isEmpty() && text != record.GetName())
+    if (text.trimmed().isEmpty())
+        return false;
+    if (csv.kind == Kind::Name && text != record.GetName()) {
         record.SetName(text);
-    if (csv.kind != Kind::Property || text.trimmed().isEmpty())
-        return;
+        return true;
+    }
+    if (csv.kind != Kind::Property)
+        return false;
     const QVariant value = m_reader->Read(column, record, text);
     const auto& [extension, property] = csv.name;
     if (IsSameValue(record.GetValue(property, extension), value))
-        return;
+        return false;
     CheckValue(column, record.GetType(), text, value);
     record.SetValue(property, value, extension);
+    return true;
 }
 
 void ImportPlan::CheckValue(qsizetype column, Type type, const QString& text, const QVariant& value)
@@ -345,9 +354,7 @@ QByteArray ImportPlan::MaterialKeyFor(const QString& text)
         return *inFile;
     if (m_catalogue.GetMaterial(text.toLatin1()).IsValid())
         return text.toLatin1();
-    // Has the names of the catalogue read.
-    NameMaterial({}, {});
-    const QSet<QByteArray> named = m_materialsByName->value(text);
+    const QSet<QByteArray> named = MaterialsByName().value(text);
     if (named.size() > 1)
         throw Rejected(Text::tr("there are %1 materials called %2; give the key of one")
                            .arg(QString::number(named.size()), Quoted(text)));
@@ -356,16 +363,18 @@ QByteArray ImportPlan::MaterialKeyFor(const QString& text)
     return *named.begin();
 }
 
-/// Notes that a material is called \a name.
-void ImportPlan::NameMaterial(const QString& name, const QByteArray& key)
+/// The keys of the materials by their names: of the catalogue, and of the file, the materials of which are all known
+/// when the first stock form is looked at.
+const QHash<QString, QSet<QByteArray>>& ImportPlan::MaterialsByName()
 {
     if (!m_materialsByName) {
         m_materialsByName.emplace();
         for (const CatalogueRecord& material : m_catalogue.ReadMaterials())
             (*m_materialsByName)[material.GetName()].insert(material.GetKey());
+        for (const auto& [name, key] : std::as_const(m_named))
+            (*m_materialsByName)[name].insert(key);
     }
-    if (!key.isEmpty())
-        (*m_materialsByName)[name].insert(key);
+    return *m_materialsByName;
 }
 
 /// What of \a record rows are matched by; empty when it has nothing of that.

@@ -4,7 +4,6 @@
 #include "Catalogue.h"
 #include "Csv.h"
 #include "CsvColumns.h"
-#include "RecordDifference.h"
 #include "Schema.h"
 #include "Values.h"
 
@@ -17,6 +16,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace zaxmat {
 
@@ -34,10 +34,10 @@ struct ImportedRow
     /// The line of the file that the row starts in.
     qsizetype line = 0;
     Kind kind = Kind::Rejected;
+    /// The record as it was; invalid for a new one.
+    ZAXMatDefinition before;
     /// The record as the row makes it; of a rejected row what is known of it.
     ZAXMatDefinition record;
-    /// What a changed record differs in.
-    QList<FieldDifference> fields;
     /// Why the row is rejected.
     QString reason;
 };
@@ -73,13 +73,13 @@ private:
     ZAXMatDefinition NewRecord(const CsvRow& row, Type type, const QByteArray& materialKey) const;
     void RequireFirst(const CsvRow& row, const QString& identity);
     void SetEmptyTexts(const CsvRow& row, ZAXMatDefinition& record) const;
-    void SetFields(const CsvRow& row, ZAXMatDefinition& record);
-    void SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record);
+    bool SetFields(const CsvRow& row, ZAXMatDefinition& record);
+    bool SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record);
     void CheckValue(qsizetype column, Type type, const QString& text, const QVariant& value);
 
     ZAXMatDefinition RecordOf(Type type, const QByteArray& key) const;
     QByteArray MaterialKeyFor(const QString& text);
-    void NameMaterial(const QString& name, const QByteArray& key);
+    const QHash<QString, QSet<QByteArray>>& MaterialsByName();
     QString MatchText(const ZAXMatDefinition& record) const;
     void PlaceRecords(Type type);
 
@@ -99,6 +99,8 @@ private:
     QHash<QString, qsizetype> m_lines;
     /// The keys of the materials that rows stand for, by the keys that the file gives them.
     QHash<QString, QByteArray> m_fileKeys;
+    /// The names and keys of the materials that rows stand for.
+    QList<std::pair<QString, QByteArray>> m_named;
     std::optional<QHash<QString, QSet<QByteArray>>> m_materialsByName;
     std::array<std::optional<QHash<QString, QList<QByteArray>>>, 2> m_byMatch;
 };
