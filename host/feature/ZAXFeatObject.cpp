@@ -214,7 +214,8 @@ void ZAXFeatObject::SetLabel(const QString& label)
         return;
     {
         const Change change(*d_ptr);
-        d_ptr->label = label;
+        // A null text and an empty one mean the same, but are stored differently.
+        d_ptr->label = label.isEmpty() ? QString() : label;
     }
     const ZAXFeatSignalScope scope(this);
     emit LabelChanged(GetLabel());
