@@ -1,6 +1,7 @@
 #include "ZAXMatJsonFileProvider.h"
 
 #include "ZAXMatCatalogueReader.h"
+#include "ZAXMatCatalogueWriter.h"
 #include "ZAXMatExtensionPlugin.h"
 #include "ZAXMatJsonFileProviderPrivate.h"
 #include "ZAXMatMaterial.h"
@@ -243,7 +244,7 @@ void ZAXMatJsonFileProviderPrivate::TakeRecords(const std::vector<ZAXMatDefiniti
 
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
-    const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
+    const QByteArray text = ToText();
     QSaveFile aside(filePath);
     if (aside.open(QIODevice::WriteOnly))
         return WriteAside(aside, text);
@@ -261,18 +262,26 @@ bool ZAXMatJsonFileProviderPrivate::Write()
     return false;
 }
 
-QJsonObject ZAXMatJsonFileProviderPrivate::ToJson() const
+QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
 {
+    // A packaging takes the place of a material of its key.
+    std::vector<ZAXMatCatalogueWriter::Member> members;
+    members.reserve(std::size_t(materials.size() + packagings.size()));
+    for (const Records* const records : {&materials, &packagings}) {
+        for (auto record = records->begin(); record != records->end(); ++record)
+            members.emplace_back(record.key(), &record.value());
+    }
+    if (const auto text = ZAXMatCatalogueWriter().Write(members))
+        return *text;
+
     // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
     QMap<QString, const ZAXMatDefinition*> records;
-    for (auto material = materials.begin(); material != materials.end(); ++material)
-        records.insert(QString::fromUtf8(material.key()), &material.value());
-    for (auto packaging = packagings.begin(); packaging != packagings.end(); ++packaging)
-        records.insert(QString::fromUtf8(packaging.key()), &packaging.value());
+    for (const auto& [key, record] : members)
+        records.insert(QString::fromUtf8(key), record);
     QJsonObject root;
     for (auto record = records.begin(); record != records.end(); ++record)
         root.insert(record.key(), record.value()->ToJson());
-    return root;
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
 void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)

@@ -55,7 +55,8 @@ public:
 
 private:
     void TakeRecords(const std::vector<ZAXMatDefinition>& records);
-    QJsonObject ToJson() const;
+    /// The text of the file that holds the tables.
+    QByteArray ToText() const;
 };
 
 #endif
