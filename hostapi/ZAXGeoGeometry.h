@@ -34,7 +34,8 @@ public:
     /// The id within the container, 0 for a geometry made without one. Never changes.
     quint64 GetId() const;
 
-    /// Keeps the geometry in memory until the matching RemoveReference(), even when it is removed meanwhile.
+    /// Keeps the geometry in memory until the matching RemoveReference(), even when it is removed meanwhile, but not
+    /// longer than its container.
     void AddReference();
     /// Releases what AddReference() keeps; the last release of a removed geometry deletes it.
     /// \throws ZAXSysException without a matching AddReference().
@@ -47,7 +48,7 @@ public:
     /// Called once after a new geometry is made and attached, never after a load or a duplication.
     virtual void Initialize();
     /// Sets up what no stream carries: called within Initialize(), or after a load before EndStateLoad(), and again
-    /// whenever undo brings a removed geometry back.
+    /// whenever undo or redo brings a removed geometry back.
     virtual void InitializeNonStreamed();
     /// Called before Load().
     virtual void BeginStateLoad();

@@ -260,7 +260,7 @@ ZAXMatPackaging* ZAXMatMaterial::CreateDefaultPackaging()
     auto* const packaging = new ZAXMatPackaging(this);
     packaging->Initialize();
     packaging->SetActive(true);
-    return packaging;
+    return packaging->GetParent() == this ? packaging : nullptr;
 }
 
 QList<ZAXMatMaterialExtension*> ZAXMatMaterial::GetExtensions() const

@@ -144,7 +144,7 @@ public:
     /// Those of GetPackaging() that are active, in the same order.
     QList<ZAXMatPackaging*> GetActivePackaging() const;
     /// The first active packaging; if there is none, a new packaging child with last-saved values, initialised and
-    /// set active. The material owns it. Never null.
+    /// set active. The material owns it. Null when a slot has removed it at once.
     ZAXMatPackaging* CreateDefaultPackaging();
 
     /// The extensions in list order. Holds null where a document named an extension that could not be brought along.

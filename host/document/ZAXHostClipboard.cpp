@@ -10,7 +10,9 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QLoggingCategory>
 #include <QPointer>
+#include <QScopeGuard>
 
 #include <algorithm>
 #include <iterator>
@@ -18,6 +20,8 @@
 #include <vector>
 
 namespace {
+
+Q_LOGGING_CATEGORY(logClipboard, "zax.host.clipboard")
 
 QString Tr(const char* text)
 {
@@ -42,7 +46,21 @@ public:
     {
     }
 
-    void Run()
+    ~Paster()
+    {
+        // What features outside made of the objects must not outlive them.
+        for (const auto& top : m_tops) {
+            try {
+                ZAXFeatObjectPrivate::Get(*top).ReleasePointers();
+            } catch (const std::exception& exception) {
+                qCWarning(logClipboard, "A reference to a discarded object was not released: %s", exception.what());
+            }
+        }
+    }
+    Paster(const Paster&) = delete;
+    Paster& operator=(const Paster&) = delete;
+
+    void MakeAll()
     {
         for (const ZAXHostDocumentRecord& record : m_image.records)
             Make(record);
@@ -50,16 +68,20 @@ public:
         for (qsizetype i = 0; i < m_features.size(); ++i)
             Load(m_features.at(i), m_image.records.at(i));
         m_loader.EndLoad();
+    }
+
+    /// The features that were made, which belong to the document from now on.
+    QList<QPointer<ZAXFeatObject>> Release()
+    {
         QList<QPointer<ZAXFeatObject>> tops;
         for (auto& top : m_tops)
             tops.append(top.release());
-        ZAXFeatObjectPrivate::Announce(m_features);
-        // Not what a slot has done away with.
-        std::ranges::copy_if(tops, std::back_inserter(pasted),
-                             [](const auto& top) { return top && !ZAXFeatObjectPrivate::Get(*top).isAside; });
+        m_tops.clear();
+        return tops;
     }
 
-    QList<ZAXFeatObject*> pasted;
+    const QList<ZAXFeatObject*>& GetFeatures() const { return m_features; }
+
     QList<ZAXHostProblem> problems;
 
 private:
@@ -142,17 +164,25 @@ ZAXHostResult ZAXHostClipboard::Paste(const QByteArray& bytes, ZAXFeatObject* pa
     if (const auto result = ZAXHostDocumentCodec::Decode(bytes, image); !result)
         return result;
     if (!image.damages.isEmpty())
-        return ZAXHostResult::Failed(image.damages.constFirst().message);
+        return ZAXHostResult::Failed(image.damages.constFirst().GetMessage());
     if (ZAXFeatObjectPrivate::Get(*parent).isAside)
         return ZAXHostResult::Failed(Tr("%1 was removed.").arg(parent->GetLabel()));
+    // Outlives what is made: objects that are discarded leave nothing of themselves in the step.
+    const ZAXFeatStep step(ZAXFeatObjectPrivate::Get(*parent).container);
     Paster paster(image, parent);
     try {
-        const ZAXFeatStep step(ZAXFeatObjectPrivate::Get(*parent).container);
-        paster.Run();
+        paster.MakeAll();
     } catch (const std::exception& exception) {
         return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
     }
-    pasted = paster.pasted;
     problems = paster.problems;
+    const auto tops = paster.Release();
+    // Not what a slot has done away with.
+    const auto list = qScopeGuard([&] {
+        pasted.clear();
+        std::ranges::copy_if(tops, std::back_inserter(pasted),
+                             [](const auto& top) { return top && !ZAXFeatObjectPrivate::Get(*top).isAside; });
+    });
+    ZAXFeatObjectPrivate::Announce(paster.GetFeatures());
     return ZAXHostResult::Done();
 }

@@ -20,8 +20,9 @@ ZAXHOST_EXPORT QByteArray Copy(const QList<ZAXFeatObject*>& features);
 /// Makes the features of \a bytes under \a parent, behind its children, as one undoable step, and gives them in
 /// \a pasted. They get ids of this document; references among them point to the new ones, and references to anything
 /// else lead nowhere, with a message in \a problems. What this program cannot make becomes a placeholder.
-/// Fails, and changes nothing, for bytes that are not what Copy() gives for what \a parent does not allow,
-/// and for one that was removed.
+/// Fails, and changes nothing, for bytes that are not what Copy() gives, for objects that \a parent does not allow or
+/// that do not take their data, and for a parent that was removed. An exception from a slot of ChildAdded() passes
+/// through and leaves the objects in their places, and in \a pasted.
 ZAXHOST_EXPORT ZAXHostResult Paste(const QByteArray& bytes, ZAXFeatObject* parent, QList<ZAXFeatObject*>& pasted,
                                    QList<ZAXHostProblem>& problems);
 

@@ -110,7 +110,7 @@ ZAXHostResult ZAXHostDocumentPrivate::EncodeChecked(const ZAXHostDocumentImage& 
     if (const auto result = ZAXHostDocumentCodec::Decode(bytes, read); !result)
         return result;
     if (!read.damages.isEmpty())
-        return ZAXHostResult::Failed(read.damages.constFirst().message);
+        return ZAXHostResult::Failed(read.damages.constFirst().GetMessage());
     if (ZAXHostDocumentCodec::Encode(read) != bytes)
         return ZAXHostResult::Failed(Tr("its bytes do not read back."));
     return ZAXHostResult::Done();
@@ -200,7 +200,7 @@ ZAXHostResult ZAXHostDocument::Load(QIODevice* device, Damage damage)
     if (const auto result = ZAXHostDocumentCodec::Decode(device->readAll(), image); !result)
         return result;
     if (damage == RefuseDamage && !image.damages.isEmpty())
-        return ZAXHostResult::Failed(image.damages.constFirst().message);
+        return ZAXHostResult::Failed(image.damages.constFirst().GetMessage());
     if (d_ptr->undo.IsBusy())
         return ZAXHostResult::Failed(Tr("A change of the document is still under way."));
     auto replacement = std::make_unique<ZAXFeatContainer>();
@@ -235,13 +235,14 @@ ZAXHostResult ZAXHostDocument::Open(const QString& path, Damage damage)
     const auto failed = [&](const char* text, const QString& why) {
         return ZAXHostResult::Failed(Tr(text).arg(QDir::toNativeSeparators(path), why));
     };
+    // Locked before it is opened: whoever saves meanwhile puts another file in its place. A file that does not load
+    // keeps the lock held now.
+    const bool isOwn = d_ptr->HasLocked(path);
+    auto lock = std::make_unique<ZAXHostDocumentLock>();
+    const auto locked = isOwn ? ZAXHostResult::Done() : lock->Lock(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return failed(QT_TRANSLATE_NOOP("ZAXHostDocument", "The document %1 cannot be opened: %2"), file.errorString());
-    // Locked before it is read: nobody must write in between. A file that does not load keeps the lock held now.
-    auto lock = std::make_unique<ZAXHostDocumentLock>();
-    const bool isOwn = d_ptr->HasLocked(path);
-    const auto locked = isOwn ? ZAXHostResult::Done() : lock->Lock(path);
     if (isOwn)
         lock = std::move(d_ptr->lock);
     const QByteArray bytes = file.readAll();
@@ -327,11 +328,12 @@ ZAXHostResult ZAXHostDocument::ConvertToPlaceholders(const QList<const QMetaObje
     });
     if (held != geometries.end())
         return ZAXHostResult::Failed(Tr("%1 is still in use.").arg(LabelOf(*held)));
+    // Those derived from the types go with them, and what is no placeholder yet must not come to life now.
     QSet<QByteArray> retired;
-    for (const QMetaObject* type : types) {
-        const auto instances = GetInstances(type);
-        for (const ZAXFeatObject* instance : instances)
-            retired.insert(instance->metaObject()->className());
+    const auto registered = ZAXGeoContainer::GetRegisteredTypes() + types;
+    for (const QMetaObject* type : registered) {
+        if (std::ranges::any_of(types, [type](const QMetaObject* base) { return type->inherits(base); }))
+            retired.insert(type->className());
     }
     const bool wasModified = IsModified();
     ZAXHostDocumentImage image;

@@ -47,12 +47,13 @@ public:
 
     /// The file of the document; empty for none.
     QString GetPath() const;
-    /// Why the document must not be saved to GetPath(), for the user: somebody else has it open, say. Empty if it may.
+    /// Why the document must not be saved to GetPath(), for the user: somebody else has it open, say. Empty for no such
+    /// reason; that it IsDamaged() is another one.
     QString GetReadOnlyReason() const;
     /// What could not be brought back as it was saved.
     QList<ZAXHostProblem> GetProblems() const;
-    /// True when part of the file was lost: saving to that file is refused until AcceptDamage(), as it would make the
-    /// loss final.
+    /// True when part of the document's file was lost: saving to that file is refused until AcceptDamage(), as it would
+    /// make the loss final. Saved elsewhere, the document is whole; the damaged file stays protected.
     bool IsDamaged() const;
     void AcceptDamage();
 

@@ -124,16 +124,17 @@ public:
         while (position < m_bytes.size() && !m_isEnded)
             position = ReadFrame(position);
         if (!m_isEnded)
-            NoteDamage(m_bytes.size(), 0, Tr("the file ends too early"));
+            NoteDamage(m_bytes.size(), 0, QT_TRANSLATE_NOOP("ZAXHostDocument", "the file ends too early"));
         else if (position < m_bytes.size())
-            NoteDamage(position, m_bytes.size() - position, Tr("there is something behind the end"));
+            NoteDamage(position, m_bytes.size() - position,
+                       QT_TRANSLATE_NOOP("ZAXHostDocument", "there is something behind the end"));
         image = std::move(m_image);
         return ZAXHostResult::Done();
     }
 
 private:
     /// Notes a damage, of an object if that is known. What follows on a damage and tells no more is part of that one.
-    void NoteDamage(qsizetype position, qsizetype size, const QString& what, quint64 id = 0,
+    void NoteDamage(qsizetype position, qsizetype size, const char* what, quint64 id = 0,
                     const QByteArray& className = {})
     {
         if (id == 0 && !m_image.damages.isEmpty()) {
@@ -143,8 +144,7 @@ private:
                 return;
             }
         }
-        m_image.damages.append({position, size, id, className,
-                                Tr("The document is damaged at byte %1: %2.").arg(QString::number(position), what)});
+        m_image.damages.append({position, size, id, className, what});
     }
 
     ZAXHostResult ReadHeader()
@@ -175,8 +175,9 @@ private:
                    "format %2.")
                     .arg(QString::number(leastReader), QString::number(formatVersion)));
         if (!isWhole || !AreClassesInOrder())
-            return ZAXHostResult::Failed(Tr("The document is damaged at byte %1: %2.")
-                                             .arg(QString::number(0), Tr("the header is not what was written")));
+            return ZAXHostResult::Failed(ZAXHostDocumentDamage{
+                0, 0, 0, {}, QT_TRANSLATE_NOOP("ZAXHostDocument", "the header is not what was written")}
+                                             .GetMessage());
         return ZAXHostResult::Done();
     }
 
@@ -204,7 +205,7 @@ private:
         }
         const qsizetype behind = BehindFrame(start);
         const qsizetype found = behind >= 0 ? behind : FindFrame(start + 1);
-        NoteDamage(start, found - start, Tr("the object is not what was written"));
+        NoteDamage(start, found - start, QT_TRANSLATE_NOOP("ZAXHostDocument", "the object is not what was written"));
         return found;
     }
 
@@ -292,32 +293,32 @@ private:
         for (quint32 i = 0; i < references && hasRoom; ++i)
             record.references.append(ZAXGeoGeometryRef::FromId(reader.Number<quint64>()));
         record.payload = reader.Sized();
-        QString why;
+        const char* why = nullptr;
         if (!hasRoom)
-            why = Tr("the object has more references than room for them");
+            why = QT_TRANSLATE_NOOP("ZAXHostDocument", "the object has more references than room for them");
         else if (!reader.IsGood() || reader.Left() > 0 || record.classIndex >= m_image.classes.size())
-            why = Tr("the object cannot be read");
+            why = QT_TRANSLATE_NOOP("ZAXHostDocument", "the object cannot be read");
         else
             why = Place(record);
-        if (!why.isEmpty())
+        if (why)
             NoteDamage(start, next - start, why, record.id, m_image.classes.value(record.classIndex).name);
     }
 
     /// Adds \a record where it says it belongs: under an object read before it, behind its siblings read so far.
-    /// Returns why it is not what a writer would have written; empty if it is.
-    QString Place(ZAXHostDocumentRecord& record)
+    /// Returns why it is not what a writer would have written; null if it is.
+    const char* Place(ZAXHostDocumentRecord& record)
     {
         if (record.id == 0 || record.id > m_image.lastId)
-            return Tr("the object has an id that was never given");
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the object has an id that was never given");
         if (m_nesting.contains(record.id))
-            return Tr("two objects have the id %1").arg(record.id);
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "two objects have the id %1");
         if (record.parent == record.id || m_children.contains(record.id))
-            return Tr("the object %1 stands behind or below itself").arg(record.id);
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the object %1 stands behind or below itself");
         const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
         // What has lost its parent will stand in a folder at the top.
         const int nesting = hasParent ? m_nesting.value(record.parent) + 1 : 2;
         if (nesting > ZAXHostDocumentCodec::maximumNesting)
-            return Tr("the objects are nested too deeply");
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are nested too deeply");
         quint32& next = m_children[record.parent];
         const bool isInOrder = record.place == next;
         next = record.place + 1;
@@ -325,10 +326,10 @@ private:
         m_image.records.append(record);
         // What is missing was noted where it was damaged; if nothing was, the writer was at fault.
         if (!hasParent && m_image.damages.isEmpty())
-            return Tr("the parent of the object %1 does not precede it").arg(record.id);
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the parent of the object %1 does not precede it");
         if (!isInOrder && m_image.damages.isEmpty())
-            return Tr("the objects are not in their order");
-        return {};
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are not in their order");
+        return nullptr;
     }
 
     qsizetype ReadEnd(qsizetype start)
@@ -342,11 +343,12 @@ private:
         if (!m_image.damages.isEmpty())
             return reader.Position();
         if (sum != Checksum(m_bytes.data(), start + endSize - checksumSize))
-            NoteDamage(start, endSize, Tr("the end is not what was written"));
+            NoteDamage(start, endSize, QT_TRANSLATE_NOOP("ZAXHostDocument", "the end is not what was written"));
         else if (count != static_cast<quint64>(m_image.records.size()))
-            NoteDamage(start, endSize, Tr("objects are missing"));
+            NoteDamage(start, endSize, QT_TRANSLATE_NOOP("ZAXHostDocument", "objects are missing"));
         else if (size != static_cast<quint64>(reader.Position()))
-            NoteDamage(start, endSize, Tr("the file is longer or shorter than what was written"));
+            NoteDamage(start, endSize,
+                       QT_TRANSLATE_NOOP("ZAXHostDocument", "the file is longer or shorter than what was written"));
         return reader.Position();
     }
 
@@ -385,6 +387,13 @@ QList<ZAXHostDocumentClass> ZAXHostDocumentImage::GetChain(quint32 index) const
     for (auto i = static_cast<qint32>(index); i >= 0; i = classes.at(i).base)
         chain.append(classes.at(i));
     return chain;
+}
+
+QString ZAXHostDocumentDamage::GetMessage() const
+{
+    const QString text = Tr(what);
+    return Tr("The document is damaged at byte %1: %2.")
+        .arg(QString::number(position), text.contains(QLatin1String("%1")) ? text.arg(id) : text);
 }
 
 QHash<QByteArray, int> ZAXHostDocumentImage::GetVersions(quint32 index) const

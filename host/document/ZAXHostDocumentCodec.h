@@ -37,7 +37,7 @@ struct ZAXHostDocumentRecord
 };
 
 /// A part of a document file that is not what was written.
-struct ZAXHostDocumentDamage
+struct ZAXHOST_EXPORT ZAXHostDocumentDamage
 {
     /// The bytes it is about.
     qsizetype position = 0;
@@ -45,7 +45,11 @@ struct ZAXHostDocumentDamage
     /// Which object it was, as far as the file still tells; 0 and empty if it does not.
     quint64 id = 0;
     QByteArray className;
-    QString message;
+    /// What is wrong, to be translated; "%1" stands for the id. No text of its own: a file may be damaged all over.
+    const char* what = "";
+
+    /// The damage in the user's words.
+    QString GetMessage() const;
 };
 
 /// What a document file holds, before any object of it is made.

@@ -99,6 +99,8 @@ private:
         m_features.clear();
         m_folders.clear();
         m_isGood = true;
+        // What one object removes while others are loaded stays in memory until they are.
+        const ZAXFeatStep step(&m_container);
         // No new object gets the id of one that is lost.
         auto& index = ZAXGeoContainerPrivate::Get(m_container);
         index.lastId = std::max(index.lastId, ZAXHostDocumentImager::HighestId(m_image, m_image.lastId));
@@ -151,6 +153,8 @@ private:
             return;
         ZAXGeoGeometry* const parent = m_container.GetGeometryByRef(ZAXGeoGeometryRef::FromId(record.parent));
         d.AttachTo(parent ? static_cast<ZAXFeatObject*>(parent) : FolderInPlaceOf(record.parent), -1);
+        // Whoever follows the parent finds the feature there.
+        d.toldParent = d.parent;
     }
 
     /// The folder for the children of an object that is lost. It has an id of its own: what refers to the lost object
@@ -245,6 +249,6 @@ QList<ZAXHostProblem> ZAXHostDocumentImager::Populate(ZAXFeatContainer& containe
 {
     QList<ZAXHostProblem> problems = Populator(container, image, retired).Run();
     for (const ZAXHostDocumentDamage& damage : image.damages)
-        problems.append({ZAXHostProblem::Damaged, damage.id, damage.className, damage.message});
+        problems.append({ZAXHostProblem::Damaged, damage.id, damage.className, damage.GetMessage()});
     return problems;
 }

@@ -6,7 +6,6 @@
 #include "ZAXGeoContainerPrivate.h"
 #include "ZAXHostTransaction.h"
 #include "ZAXHostUndoStep.h"
-#include "ZAXSysException.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -30,7 +29,10 @@ class ZAXHostUndoPrivate : public ZAXFeatChangeObserver
 public:
     ZAXHostUndoPrivate()
     {
-        QObject::connect(&stack, &QUndoStack::indexChanged, &stack, [this] { FreeDiscarded(); });
+        QObject::connect(&stack, &QUndoStack::indexChanged, &stack, [this] {
+            ReturnToFailure();
+            FreeDiscarded();
+        });
     }
 
     void BeginStep() override { ++depth; }
@@ -56,10 +58,15 @@ public:
     void PushRecorded(const QString& text);
     /// Takes what was recorded back. Fails when a feature does not take its former state.
     ZAXHostResult RollBackRecorded();
-    /// Does \a step in \a direction, or leaves everything as it is and throws.
-    void Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
-    /// Takes back what slots changed while \a step was done in \a direction.
-    void TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// Does \a step in \a direction, or leaves everything as it is; then it gives the message.
+    QString Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// Takes back what slots changed while \a step was done in \a direction, and the step itself unless it is to
+    /// \a stay done.
+    void Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction, bool stay);
+    /// Notes that \a command could not be done in \a direction. The stack takes it for done nevertheless.
+    void Fail(const QUndoCommand* command, ZAXHostUndoStep::Direction direction, const QString& message);
+    /// Has the stack stand where it stood when a command failed.
+    void ReturnToFailure();
     /// The features that a step kept are no longer needed: they go as soon as the stack is in order.
     void Discard(const QList<quint64>& ids) { discarded += ids; }
     void FreeDiscarded();
@@ -72,6 +79,12 @@ public:
     /// What of that was taken back already: these states are right as they were before.
     ZAXHostUndoStep takenBack;
     const ZAXHostUndoStep* restored = nullptr;
+    /// All placings since the restoring began, the slots' among them.
+    QList<ZAXHostUndoStep::Placing> done;
+    /// The command that could not be done; null for none. Those behind it are not tried then.
+    const QUndoCommand* failed = nullptr;
+    ZAXHostUndoStep::Direction failedDirection = ZAXHostUndoStep::Back;
+    QString failure;
     QList<quint64> discarded;
     int depth = 0;
     bool isInTransaction = false;
@@ -98,6 +111,7 @@ public:
         m_undo.restored = nullptr;
         m_undo.foreign = {};
         m_undo.takenBack = {};
+        m_undo.done.clear();
     }
     Restoring(const Restoring&) = delete;
     Restoring& operator=(const Restoring&) = delete;
@@ -133,9 +147,13 @@ public:
 private:
     void Go(ZAXHostUndoStep::Direction direction)
     {
+        if (m_undo->failed)
+            return;
         if (m_undo->IsBusy())
-            throw ZAXSysException(m_undo->Refusal().GetMessage());
-        m_undo->Restore(m_step, direction);
+            return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
+        const QString message = m_undo->Restore(m_step, direction);
+        if (!message.isEmpty())
+            return m_undo->Fail(this, direction, message);
         m_lastDirection = direction;
     }
 
@@ -154,7 +172,7 @@ void ZAXHostUndoPrivate::EndStep()
     try {
         PushRecorded(QString());
     } catch (const std::exception& exception) {
-        qCWarning(logUndo, "A change was recorded, but not told of: %s", exception.what());
+        qCWarning(logUndo, "Whoever follows the steps has thrown an exception: %s", exception.what());
     }
 }
 
@@ -172,15 +190,20 @@ void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
 void ZAXHostUndoPrivate::Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to)
 {
     (isRestoring ? foreign : recorded).AddPlacing(feature, from, to);
+    if (isRestoring)
+        done.append({feature->GetId(), from, to});
 }
 
 void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
 {
-    recorded.Forget(feature->GetId());
-    foreign.Forget(feature->GetId());
-    takenBack.Forget(feature->GetId());
+    const quint64 id = feature->GetId();
+    const bool wasThereBefore =
+        ZAXFeatObjectPrivate::Get(*feature).isAnnounced && !recorded.CameInStep(id) && !foreign.CameInStep(id);
+    recorded.Forget(id);
+    foreign.Forget(id);
+    takenBack.Forget(id);
     // No step tells of it, and none brings it back.
-    if (ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
+    if (wasThereBefore)
         stack.resetClean();
 }
 
@@ -194,13 +217,15 @@ ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
     const ZAXHostUndoStep step = Take(recorded);
-    if (!step.IsEmpty()) {
-        isPushing = true;
-        const auto pushed = qScopeGuard([this] { isPushing = false; });
-        stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
-    }
     if (!step.IsComplete())
         stack.resetClean();
+    if (!step.IsEmpty()) {
+        const auto pushed = qScopeGuard([this, wasPushing = std::exchange(isPushing, true)] {
+            isPushing = wasPushing;
+            FreeDiscarded();
+        });
+        stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
+    }
     FreeDiscarded();
 }
 
@@ -210,8 +235,8 @@ ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
     bool isRestored = step.IsComplete();
     if (!step.IsEmpty()) {
         const Restoring restoring(*this, step);
-        step.TakeBack(*container, ZAXHostUndoStep::Forth, step.placings.size());
-        TakeForeignBack(step, ZAXHostUndoStep::Back);
+        done = step.placings;
+        Settle(step, ZAXHostUndoStep::Forth, false);
         isRestored = isRestored && step.IsRestored(*container, ZAXHostUndoStep::Back);
         Discard(step.Keeps(ZAXHostUndoStep::Back));
     }
@@ -223,39 +248,65 @@ ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
     return ZAXHostResult::Failed(Tr("An object of the document does not take its former state."));
 }
 
-void ZAXHostUndoPrivate::TakeForeignBack(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+void ZAXHostUndoPrivate::Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction, bool stay)
 {
+    const auto opposite = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
     // What is taken back is told about as well, which may set slots off anew. They do not go on for ever.
     constexpr int loudRounds = 8;
+    bool isInPlace = stay;
     for (int round = 0; round <= loudRounds; ++round) {
         const auto voice = round < loudRounds ? ZAXHostUndoStep::Aloud : ZAXHostUndoStep::Silently;
         const ZAXHostUndoStep slotChanges = Take(foreign);
         takenBack.AddStates(slotChanges);
-        slotChanges.TakeBack(*container, ZAXHostUndoStep::Forth, slotChanges.placings.size(), voice);
+        // Placings count among siblings, so they are reversed in the order in which all were done.
+        if (!isInPlace || !slotChanges.placings.isEmpty())
+            step.Settle(*container, direction, stay, voice, done);
+        isInPlace = true;
         Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
-        const bool isStepSettled = !step.Settle(*container, direction, voice);
-        const bool areOthersSettled = !takenBack.Settle(*container, ZAXHostUndoStep::Back, voice);
+        const bool isStepSettled = !step.SettleStates(*container, stay ? direction : opposite, voice);
+        const bool areOthersSettled = !takenBack.SettleStates(*container, ZAXHostUndoStep::Back, voice);
         if (foreign.IsEmpty() && isStepSettled && areOthersSettled)
             return;
     }
 }
 
-void ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
 {
     const Restoring restoring(*this, step);
-    qsizetype placed = 0;
     try {
-        step.Apply(*container, direction, placed);
-        TakeForeignBack(step, direction);
+        step.Apply(*container, direction, done);
     } catch (const std::exception& exception) {
-        qCWarning(logUndo, "A state could not be restored: %s", exception.what());
-        const auto back = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
-        step.TakeBack(*container, direction, placed);
-        TakeForeignBack(step, back);
-        if (!step.IsRestored(*container, back))
+        const QString message = QString::fromUtf8(exception.what());
+        Settle(step, direction, false);
+        const auto opposite = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
+        if (!step.IsRestored(*container, opposite))
             stack.resetClean();
-        throw;
+        return message.isEmpty() ? Tr("A change cannot be taken back.") : message;
     }
+    Settle(step, direction, true);
+    return {};
+}
+
+void ZAXHostUndoPrivate::Fail(const QUndoCommand* command, ZAXHostUndoStep::Direction direction, const QString& message)
+{
+    qCWarning(logUndo, "%s stays: %s", qUtf8Printable(command->text()), qUtf8Printable(message));
+    failed = command;
+    failedDirection = direction;
+    // A slot's attempt is not what the one under way comes to.
+    if (!isRestoring)
+        failure = message;
+}
+
+void ZAXHostUndoPrivate::ReturnToFailure()
+{
+    if (!failed)
+        return;
+    int index = 0;
+    while (stack.command(index) != failed)
+        ++index;
+    // Neither this command nor those behind it are done or taken back on the way.
+    stack.setIndex(failedDirection == ZAXHostUndoStep::Back ? index + 1 : index);
+    failed = nullptr;
 }
 
 void ZAXHostUndoPrivate::FreeDiscarded()
@@ -265,7 +316,11 @@ void ZAXHostUndoPrivate::FreeDiscarded()
     const auto ids = std::exchange(discarded, {});
     for (const quint64 id : ids) {
         ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, id);
-        if (feature && ZAXFeatObjectPrivate::Get(*feature).isAside)
+        if (!feature || !ZAXFeatObjectPrivate::Get(*feature).isAside)
+            continue;
+        if (ZAXFeatObjectPrivate::Get(*feature).IsInUse())
+            ZAXFeatObjectPrivate::Get(*feature).DiscardLater();
+        else
             ZAXFeatObjectPrivate::Get(*feature).Discard();
     }
 }
@@ -274,14 +329,10 @@ ZAXHostResult ZAXHostUndoPrivate::Run(void (QUndoStack::*operation)())
 {
     if (IsBusy())
         return Refusal();
-    try {
-        (stack.*operation)();
-    } catch (const std::exception& exception) {
-        FreeDiscarded();
-        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
-    }
+    failure.clear();
+    (stack.*operation)();
     FreeDiscarded();
-    return ZAXHostResult::Done();
+    return failure.isEmpty() ? ZAXHostResult::Done() : ZAXHostResult::Failed(std::exchange(failure, {}));
 }
 
 ZAXHostUndo::ZAXHostUndo(ZAXFeatContainer* container) : d_ptr(std::make_unique<ZAXHostUndoPrivate>())
@@ -298,6 +349,7 @@ void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
 {
     if (d_ptr->container) {
         d_ptr->stack.clear();
+        d_ptr->stack.setClean();
         d_ptr->FreeDiscarded();
         ZAXFeatContainerPrivate::Get(*d_ptr->container).observer = nullptr;
     }
@@ -338,12 +390,12 @@ ZAXHostResult ZAXHostUndo::Clear()
 }
 
 ZAXHostTransaction::ZAXHostTransaction(ZAXHostUndo& undo, const QString& text)
-    : m_undo(&undo), m_text(text), m_isOpen(!undo.IsBusy())
+    : m_undo(&undo), m_text(text), m_isOpen(undo.d_ptr->container && !undo.IsBusy())
 {
     if (m_isOpen)
         undo.d_ptr->isInTransaction = true;
     else
-        m_result = undo.d_ptr->Refusal();
+        m_result = undo.d_ptr->container ? undo.d_ptr->Refusal() : ZAXHostResult::Failed(Tr("There is no document."));
 }
 
 ZAXHostTransaction::~ZAXHostTransaction()
@@ -351,11 +403,22 @@ ZAXHostTransaction::~ZAXHostTransaction()
     if (!m_isOpen)
         return;
     try {
-        if (const auto result = Rollback(); !result)
+        const auto result = Rollback();
+        if (!result)
             qCWarning(logUndo, "A transaction was not rolled back: %s", qUtf8Printable(result.GetMessage()));
+        if (m_isOpen)
+            GiveUp();
     } catch (const std::exception& exception) {
         qCWarning(logUndo, "A transaction was not rolled back: %s", exception.what());
     }
+}
+
+void ZAXHostTransaction::GiveUp()
+{
+    auto& undo = *m_undo->d_ptr;
+    undo.isInTransaction = false;
+    if (undo.depth == 0)
+        undo.PushRecorded(m_text);
 }
 
 ZAXHostResult ZAXHostTransaction::Close()

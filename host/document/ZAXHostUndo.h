@@ -32,8 +32,8 @@ public:
     /// Forgets all steps and records the changes of \a container, which may be null, instead.
     void SetContainer(ZAXFeatContainer* container);
 
-    /// The stack, for actions, a view, the clean mark and the limit. Its own undo(), redo() and setIndex() throw a
-    /// ZAXSysException where Undo() and Redo() would refuse; never call its clear(), but Clear().
+    /// The stack, for actions, a view, the clean mark and the limit. Where Undo() and Redo() would fail, its own
+    /// undo(), redo() and setIndex() stop, and the log says why; never call its clear(), but Clear().
     QUndoStack* GetStack() const;
 
     /// True while a change or a transaction is under way, a change is being told about, or a state is being restored:

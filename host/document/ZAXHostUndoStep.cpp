@@ -39,34 +39,40 @@ std::optional<QByteArray> StateOf(const ZAXFeatObject& feature)
     return state;
 }
 
+ZAXHostUndoStep::Placing Reversed(const ZAXHostUndoStep::Placing& placing)
+{
+    return {placing.id, placing.to, placing.from};
+}
+
 } // namespace
 
-/// Puts features where a step says, one after the other, and has their parents tell of it: of departures at once, of
-/// arrivals at the end, when the states are right.
+/// Puts features where they belong, one after the other, and has their parents tell of it.
 class ZAXHostUndoStep::Placer
 {
 public:
     enum OnException
     {
         PassOn,
-        GoOn ///< with the next thing to be done for the feature
+        GoOn ///< with the next thing to be done
     };
 
-    Placer(ZAXFeatContainer& container, Direction direction, Voice voice, OnException onException)
-        : m_container(container), m_direction(direction), m_voice(voice), m_onException(onException)
-    {
-    }
+    Placer(ZAXFeatContainer& container, OnException onException) : m_container(container), m_onException(onException) {}
 
+    /// Puts a feature where \a placing leads. Nobody is told but the feature.
     void Put(const Placing& placing);
-    /// Has the new parents tell of the features, unless a slot has taken them further.
-    void RaiseArrivals() const;
+    /// Has the former parent of the feature that was put last tell of it.
+    void TellOfDeparture() const
+    {
+        if (!m_features.isEmpty())
+            TellOf(m_features.constLast(), &ZAXFeatObjectPrivate::TellOfDeparture);
+    }
+    /// Has the former parents of all features that were put elsewhere tell of it.
+    void TellOfDepartures() const { TellOfAll(&ZAXFeatObjectPrivate::TellOfDeparture); }
+    /// Has the new parents tell.
+    void TellOfArrivals() const { TellOfAll(&ZAXFeatObjectPrivate::TellOfArrival); }
 
 private:
-    struct Arrival
-    {
-        QPointer<ZAXFeatObject> feature;
-        QPointer<ZAXFeatObject> parent;
-    };
+    using Telling = void (ZAXFeatObjectPrivate::*)();
 
     template <typename Operation>
     void Run(const Operation& operation) const
@@ -77,45 +83,33 @@ private:
             operation();
     }
 
-    /// Notes that nobody was told yet of the feature's coming to \a parent.
-    void AddArrival(ZAXFeatObject* feature, ZAXFeatObject* parent);
-    /// Forgets the arrival of the feature \a id; false when there is none.
-    bool DropArrival(quint64 id);
+    void TellOf(const QPointer<ZAXFeatObject>& feature, Telling telling) const
+    {
+        // A slot may have destroyed it.
+        if (feature)
+            Run([&] { (ZAXFeatObjectPrivate::Get(*feature).*telling)(); });
+    }
+
+    void TellOfAll(Telling telling) const
+    {
+        for (const auto& feature : m_features)
+            TellOf(feature, telling);
+    }
 
     ZAXFeatContainer& m_container;
-    const Direction m_direction;
-    const Voice m_voice;
     const OnException m_onException;
-    QList<Arrival> m_arrivals;
-    /// Places in m_arrivals, by the ids of the features.
-    QHash<quint64, qsizetype> m_arrivalOf;
+    QList<QPointer<ZAXFeatObject>> m_features;
 };
-
-void ZAXHostUndoStep::Placer::AddArrival(ZAXFeatObject* feature, ZAXFeatObject* parent)
-{
-    m_arrivalOf.insert(feature->GetId(), m_arrivals.size());
-    m_arrivals.append(Arrival{feature, parent});
-}
-
-bool ZAXHostUndoStep::Placer::DropArrival(quint64 id)
-{
-    const auto place = m_arrivalOf.constFind(id);
-    if (place == m_arrivalOf.constEnd())
-        return false;
-    m_arrivals[*place] = {};
-    m_arrivalOf.erase(place);
-    return true;
-}
 
 void ZAXHostUndoStep::Placer::Put(const Placing& placing)
 {
-    const ZAXFeatPlace& from = m_direction == Forth ? placing.from : placing.to;
-    const ZAXFeatPlace& to = m_direction == Forth ? placing.to : placing.from;
-    const QPointer<ZAXFeatObject> feature = Find(m_container, placing.id);
+    const auto& [id, from, to] = placing;
+    const QPointer<ZAXFeatObject> feature = Find(m_container, id);
     ZAXFeatObject* const parent = Find(m_container, to.parent);
     // What was destroyed meanwhile is gone, and so is the place below it.
     if (!feature || (to.parent != 0 && !parent))
         return;
+    m_features.append(feature);
     auto& d = ZAXFeatObjectPrivate::Get(*feature);
     const QPointer<ZAXFeatObject> oldParent = feature->GetParent();
     const bool wasAside = d.isAside;
@@ -127,30 +121,10 @@ void ZAXHostUndoStep::Placer::Put(const Placing& placing)
         d.BringBack(parent, to.index);
     else
         d.AttachTo(parent, to.index);
-
-    // A parent that was not told of a feature's coming hears nothing of its going on either.
-    const bool wasTold = oldParent != parent && !DropArrival(placing.id);
-    if (to.isInTree && oldParent != parent)
-        AddArrival(feature, parent);
     if (wasAside && !d.isAside)
         Run([&] { d.SetUpSubtree(); });
-    if (m_voice == Silently)
-        return;
-    if (from.isInTree && wasTold)
-        Run([&] { d.RaiseRemoved(oldParent); });
     if (from.isInTree && to.isInTree && feature)
-        Run([&] { feature->PostMove(oldParent, static_cast<int>(from.index)); });
-}
-
-void ZAXHostUndoStep::Placer::RaiseArrivals() const
-{
-    if (m_voice == Silently)
-        return;
-    for (const Arrival& arrival : m_arrivals) {
-        const auto* const feature = arrival.feature.data();
-        if (feature && !ZAXFeatObjectPrivate::Get(*feature).isAside && feature->GetParent() == arrival.parent)
-            Run([&] { ZAXFeatObjectPrivate::Get(*feature).RaiseAdded(arrival.parent); });
-    }
+        Run([&, index = from.index] { feature->PostMove(oldParent, static_cast<int>(index)); });
 }
 
 ZAXFeatObject* ZAXHostUndoStep::Find(const ZAXFeatContainer& container, quint64 id)
@@ -236,7 +210,9 @@ QString ZAXHostUndoStep::Describe(const ZAXFeatContainer& container) const
 {
     const auto describe = [&](const char* text, quint64 id) {
         const ZAXFeatObject* const feature = Find(container, id);
-        return QCoreApplication::translate("ZAXHostUndo", text).arg(feature ? feature->GetLabel() : QString());
+        QString label;
+        Try([&] { label = feature ? feature->GetLabel() : QString(); });
+        return QCoreApplication::translate("ZAXHostUndo", text).arg(label);
     };
     if (placings.isEmpty())
         return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Change %1"), states.constFirst().id);
@@ -248,34 +224,54 @@ QString ZAXHostUndoStep::Describe(const ZAXFeatContainer& container) const
     return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Move %1"), placing.id);
 }
 
-const ZAXHostUndoStep::Placing& ZAXHostUndoStep::PlacingAt(qsizetype number, Direction direction) const
+QList<ZAXHostUndoStep::Placing> ZAXHostUndoStep::Placings(Direction direction) const
 {
-    return placings.at(direction == Forth ? number : placings.size() - 1 - number);
+    if (direction == Forth)
+        return placings;
+    QList<Placing> reversed;
+    std::transform(placings.crbegin(), placings.crend(), std::back_inserter(reversed), Reversed);
+    return reversed;
 }
 
-void ZAXHostUndoStep::Apply(ZAXFeatContainer& container, Direction direction, qsizetype& placed) const
+void ZAXHostUndoStep::Apply(ZAXFeatContainer& container, Direction direction, QList<Placing>& done) const
 {
-    Placer placer(container, direction, Aloud, Placer::PassOn);
-    while (placed < placings.size())
-        placer.Put(PlacingAt(placed++, direction));
+    Placer placer(container, Placer::PassOn);
+    const auto wanted = Placings(direction);
+    for (const Placing& placing : wanted) {
+        done.append(placing);
+        placer.Put(placing);
+        placer.TellOfDeparture();
+    }
     for (const State& state : states) {
         if (ZAXFeatObject* const feature = Find(container, state.id))
             feature->SetCurrentState(direction == Forth ? state.after : state.before);
     }
-    placer.RaiseArrivals();
+    placer.TellOfArrivals();
 }
 
-void ZAXHostUndoStep::TakeBack(ZAXFeatContainer& container, Direction direction, qsizetype placed, Voice voice) const
+void ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, bool stay, Voice voice,
+                             QList<Placing>& done) const
 {
-    const Direction back = direction == Forth ? Back : Forth;
-    Placer placer(container, back, voice, Placer::GoOn);
-    while (placed > 0)
-        placer.Put(PlacingAt(--placed, direction));
-    Settle(container, back, voice);
-    placer.RaiseArrivals();
+    Placer placer(container, Placer::GoOn);
+    const auto past = std::exchange(done, {});
+    for (auto placing = past.crbegin(); placing != past.crend(); ++placing)
+        placer.Put(Reversed(*placing));
+    if (stay) {
+        const auto wanted = Placings(direction);
+        for (const Placing& placing : wanted) {
+            done.append(placing);
+            placer.Put(placing);
+        }
+    }
+    if (voice == Aloud)
+        placer.TellOfDepartures();
+    const Direction opposite = direction == Forth ? Back : Forth;
+    SettleStates(container, stay ? direction : opposite, voice);
+    if (voice == Aloud)
+        placer.TellOfArrivals();
 }
 
-bool ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const
+bool ZAXHostUndoStep::SettleStates(ZAXFeatContainer& container, Direction direction, Voice voice) const
 {
     bool isChanged = false;
     for (const State& state : states) {
@@ -295,10 +291,21 @@ bool ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, V
 
 bool ZAXHostUndoStep::IsRestored(const ZAXFeatContainer& container, Direction direction) const
 {
-    return std::ranges::all_of(states, [&](const State& state) {
-        const ZAXFeatObject* const feature = Find(container, state.id);
-        return !feature || StateOf(*feature) == (direction == Forth ? state.after : state.before);
+    QHash<quint64, ZAXFeatPlace> places;
+    const auto wanted = Placings(direction);
+    for (const Placing& placing : wanted)
+        places.insert(placing.id, placing.to);
+    const bool arePlaced = std::ranges::all_of(places.keyValueBegin(), places.keyValueEnd(), [&](const auto& entry) {
+        const ZAXFeatObject* const feature = Find(container, entry.first);
+        if (!feature)
+            return true;
+        const auto& d = ZAXFeatObjectPrivate::Get(*feature);
+        return d.isAside != entry.second.isInTree && (d.parent ? d.parent->GetId() : 0) == entry.second.parent;
     });
+    return arePlaced && std::ranges::all_of(states, [&](const State& state) {
+               const ZAXFeatObject* const feature = Find(container, state.id);
+               return !feature || StateOf(*feature) == (direction == Forth ? state.after : state.before);
+           });
 }
 
 void ZAXHostUndoStep::AddStates(const ZAXHostUndoStep& other)

@@ -53,21 +53,25 @@ public:
     /// False when Close() did not get the state of a feature: the step cannot restore that.
     bool IsComplete() const { return isComplete; }
     bool HasState(quint64 id) const { return stateIndex.contains(id); }
+    /// Whether the feature came in this step: it has no state from before.
+    bool CameInStep(quint64 id) const { return cameInStep.value(id, false); }
     /// What the step does, in the user's words.
     QString Describe(const ZAXFeatContainer& container) const;
 
-    /// Puts the features back to where they stood before the step, or forth to where they stood after it. Signals of
-    /// departures are raised at once, those of arrivals when the states are right.
-    /// \throws what a feature or a slot throws, half-way: TakeBack() with \a placed mends that.
-    void Apply(ZAXFeatContainer& container, Direction direction, qsizetype& placed) const;
-    /// Reverses what Apply() in \a direction did, as far as it got. Goes on whatever throws: a feature whose state
-    /// cannot be restored because of a slot gets it without signals. \a Silently raises none at all. IsRestored() tells
-    /// what came of it.
-    void TakeBack(ZAXFeatContainer& container, Direction direction, qsizetype placed, Voice voice = Aloud) const;
-    /// Whether all features have their states from before the step, or after it.
+    /// Puts the features back to where they stood before the step, or forth to where they stood after it, and gives
+    /// them their states. Signals of departures are raised at once, those of arrivals when the states are right. Every
+    /// placing is added to \a done, in the order and the direction in which it was done.
+    /// \throws what a feature or a slot throws, half-way.
+    void Apply(ZAXFeatContainer& container, Direction direction, QList<Placing>& done) const;
+    /// Reverses all placings of \a done, last to first, and does those of this step in \a direction, if it is to
+    /// \a stay done, adding them to \a done again; then gives the features the states that belong to it. Goes on
+    /// whatever throws. \a Silently raises no signals at all. Whether all is as it should be tells IsRestored().
+    void Settle(ZAXFeatContainer& container, Direction direction, bool stay, Voice voice, QList<Placing>& done) const;
+    /// Restores the states once more that slots changed; goes on whatever throws. A feature whose state cannot be
+    /// restored because of a slot gets it without signals. False when all were right.
+    bool SettleStates(ZAXFeatContainer& container, Direction direction, Voice voice) const;
+    /// Whether all features have their parents and states from before the step, or after it.
     bool IsRestored(const ZAXFeatContainer& container, Direction direction) const;
-    /// Restores the states once more that slots changed since Apply(), as TakeBack() does; false when there were none.
-    bool Settle(ZAXFeatContainer& container, Direction direction, Voice voice) const;
     /// Adds the states of \a other, none of which this step has.
     void AddStates(const ZAXHostUndoStep& other);
     /// The features that are aside after the step was done, or taken back, and that only this step can bring back.
@@ -82,9 +86,8 @@ public:
 
 private:
     class Placer;
-    /// The placing that is the \a number-th in \a direction.
-    const Placing& PlacingAt(qsizetype number, Direction direction) const;
-    bool CameInStep(quint64 id) const { return cameInStep.value(id, false); }
+    /// The placings in \a direction.
+    QList<Placing> Placings(Direction direction) const;
     /// Joins what one feature did in a row, and drops it when it led back. Adds those that are gone then to \a gone.
     void JoinPlacings(QList<quint64>& gone);
 

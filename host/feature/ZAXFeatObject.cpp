@@ -187,7 +187,6 @@ void ZAXFeatObject::Remove()
     // A slot of what took leave may have removed a parent, and this feature with it.
     if (!self || d_ptr->isAside)
         return;
-    const QPointer<ZAXFeatObject> parent = GetParent();
     const ZAXFeatPlace from = d_ptr->Place();
     d_ptr->SetAside();
     // What was never announced is nothing that could come back.
@@ -204,8 +203,7 @@ void ZAXFeatObject::Remove()
         else
             self->d_ptr->Discard();
     });
-    if (d_ptr->isAnnounced)
-        d_ptr->RaiseRemoved(parent);
+    d_ptr->TellOfDeparture();
 }
 
 void ZAXFeatObject::PostMove(ZAXFeatObject*, int) {}
@@ -277,12 +275,10 @@ bool ZAXFeatObject::MoveTo(ZAXFeatObject* parent, int index)
     const ZAXFeatPlace to = d_ptr->Place();
     if (auto* const observer = d_ptr->Observer(); observer && d_ptr->isAnnounced && from != to)
         observer->Placed(this, from, to);
-    if (oldParent != parent && d_ptr->isAnnounced) {
-        d_ptr->RaiseRemoved(oldParent);
-        // A slot may have done away with the feature, or taken it elsewhere.
-        if (self && GetParent() == parent)
-            d_ptr->RaiseAdded(parent);
-    }
+    d_ptr->TellOfDeparture();
+    // A slot may have done away with the feature, or taken it elsewhere.
+    if (self)
+        d_ptr->TellOfArrival();
     if (self && !d_ptr->isAside)
         PostMove(oldParent, static_cast<int>(from.index));
     return true;

@@ -10,14 +10,19 @@
 #include "ZAXGeoGeometryPrivate.h"
 #include "ZAXSysException.h"
 
+#include <QLoggingCategory>
 #include <QMetaClassInfo>
 #include <QPointer>
 #include <QScopeGuard>
 #include <QSet>
+#include <QSignalBlocker>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
+
+Q_LOGGING_CATEGORY(logFeature, "zax.feature")
 
 /// The nearest feature from \a feature upwards that is no plain folder; null for the top.
 const ZAXFeatObject* LookThroughFolders(const ZAXFeatObject* feature)
@@ -89,9 +94,25 @@ void ZAXFeatObjectPrivate::TakeLeave()
 
 void ZAXFeatObjectPrivate::CleanupSubtree()
 {
+    QList<ZAXFeatObject*> cleaned;
+    auto setUpAgain = qScopeGuard([&] {
+        for (ZAXFeatObject* feature : std::as_const(cleaned)) {
+            try {
+                feature->InitializeNonStreamed();
+            } catch (const std::exception& exception) {
+                qCWarning(logFeature, "A feature that stays was not set up again: %s", exception.what());
+            }
+        }
+    });
     const auto subtree = Subtree();
-    for (ZAXFeatObject* feature : subtree)
+    for (ZAXFeatObject* feature : subtree) {
+        // One that another one has removed has taken leave already.
+        if (Get(*feature).isAside)
+            continue;
         feature->Cleanup();
+        cleaned.append(feature);
+    }
+    setUpAgain.dismiss();
 }
 
 void ZAXFeatObjectPrivate::SetUpSubtree()
@@ -99,6 +120,16 @@ void ZAXFeatObjectPrivate::SetUpSubtree()
     const auto subtree = Subtree();
     for (ZAXFeatObject* feature : subtree)
         feature->InitializeNonStreamed();
+}
+
+bool ZAXFeatObjectPrivate::IsInUse() const
+{
+    if (container && ZAXFeatContainerPrivate::Get(*container).signalDepth > 0)
+        return true;
+    return std::ranges::any_of(Subtree(), [](const ZAXFeatObject* feature) {
+        const auto& d = Get(*feature);
+        return d.openChanges > 0 || d.closings > 0 || d.isLeaving;
+    });
 }
 
 bool ZAXFeatObjectPrivate::IsAllowedUnder(const ZAXFeatObject* newParent) const
@@ -122,18 +153,21 @@ ZAXFeatPlace ZAXFeatObjectPrivate::Place() const
     return {true, parent ? parent->GetId() : 0, siblings->lastIndexOf(q)};
 }
 
-void ZAXFeatObjectPrivate::RaiseAdded(ZAXFeatObject* parent) const
+void ZAXFeatObjectPrivate::TellOfDeparture()
 {
+    if (!toldParent || toldParent == parent)
+        return;
     const ZAXFeatSignalScope scope(q);
-    if (parent)
-        emit parent->ChildAdded(q);
+    emit std::exchange(toldParent, nullptr)->ChildRemoved(q);
 }
 
-void ZAXFeatObjectPrivate::RaiseRemoved(ZAXFeatObject* parent) const
+void ZAXFeatObjectPrivate::TellOfArrival()
 {
+    if (!isAnnounced || isAside || !parent || toldParent == parent)
+        return;
+    toldParent = parent;
     const ZAXFeatSignalScope scope(q);
-    if (parent)
-        emit parent->ChildRemoved(q);
+    emit parent->ChildAdded(q);
 }
 
 void ZAXFeatObjectPrivate::Announce()
@@ -157,8 +191,8 @@ void ZAXFeatObjectPrivate::Announce(const QList<ZAXFeatObject*>& features)
     }
     for (const auto& feature : std::as_const(arrivals)) {
         // A slot may have done away with it.
-        if (feature && !Get(*feature).isAside)
-            Get(*feature).RaiseAdded(feature->GetParent());
+        if (feature)
+            Get(*feature).TellOfArrival();
     }
 }
 
@@ -242,8 +276,10 @@ void ZAXFeatObjectPrivate::EndModify()
         throw ZAXSysException(QLatin1String("A change was closed that was never opened."));
     if (--openChanges > 0)
         return;
+    ++closings;
     if (auto* const observer = Observer())
         observer->EndStep();
+    --closings;
     if (container)
         --ZAXFeatContainerPrivate::Get(*container).openOperations;
 }
@@ -276,8 +312,13 @@ void ZAXFeatObjectPrivate::ReleasePointers()
     const auto subtree = Subtree();
     const QSet<const ZAXFeatObject*> inside(subtree.cbegin(), subtree.cend());
     for (const ZAXFeatObject* feature : subtree) {
-        // What a property's signal sets off may change the pointers: look for the next one each time.
-        while (ZAXFeatObjectPropertyBase* const property = Get(*feature).FindPointer(inside)) {
+        // What a property's signal sets off may change the pointers: look for the next one each time. Slots that point
+        // at the feature again and again are not heard any more in the end.
+        constexpr int loudRounds = 1000;
+        for (int round = 0; ZAXFeatObjectPropertyBase* const property = Get(*feature).FindPointer(inside); ++round) {
+            std::optional<QSignalBlocker> blocker;
+            if (round >= loudRounds)
+                blocker.emplace(property->GetFeature());
             if (auto* const list = property->GetOwningList()) {
                 list->RemoveItem(property, false);
             } else {

@@ -6,6 +6,7 @@
 #include "ZAXFeatChangeObserver.h"
 #include "ZAXFeatObject.h"
 
+#include <QPointer>
 #include <QSet>
 
 class ZAXFeatObjectPropertyBase;
@@ -23,9 +24,10 @@ public:
     /// Whether the class lets a feature of it have no parent.
     static bool MayStandAtTop(const QMetaObject* type);
 
-    /// Has \a parent, if there is one, raise ChildAdded() or ChildRemoved() for the feature.
-    void RaiseAdded(ZAXFeatObject* parent) const;
-    void RaiseRemoved(ZAXFeatObject* parent) const;
+    /// Has the parent that was told of the feature raise ChildRemoved(), if it is not the feature's parent any more.
+    void TellOfDeparture();
+    /// Has the parent raise ChildAdded(), unless it was told already, or the feature is aside or not announced.
+    void TellOfArrival();
 
     /// Gives the feature its place: at \a index among the children of \a newParent, or among the features at the top
     /// for null; an index outside the range means the end. Tells nobody.
@@ -38,7 +40,7 @@ public:
     ZAXFeatPlace Place() const;
     /// Has the subtree take leave of what is outside it, before it is removed. An exception leaves it in its place.
     void TakeLeave();
-    /// ZAXGeoGeometry::Cleanup() throughout the subtree, parents first.
+    /// ZAXGeoGeometry::Cleanup() throughout the subtree, parents first. An exception of one leaves all set up.
     void CleanupSubtree();
     /// ZAXGeoGeometry::InitializeNonStreamed() throughout the subtree, parents first.
     void SetUpSubtree();
@@ -59,6 +61,9 @@ public:
 
     /// Whether a change or a step is open in the document, or one is being told about.
     bool IsContainerAtWork() const;
+    /// Whether a change of a feature of the subtree is under way, or any is being told about: whoever does that goes on
+    /// with the feature afterwards.
+    bool IsInUse() const;
 
     /// Opens a change of the feature's state; changes may nest.
     void BeginModify();
@@ -74,6 +79,8 @@ public:
     ZAXFeatObject* const q;
     ZAXFeatContainer* const container;
     ZAXFeatObject* parent = nullptr;
+    /// The parent that raised ChildAdded() for the feature last, and not ChildRemoved() since.
+    QPointer<ZAXFeatObject> toldParent;
     QList<ZAXFeatObject*> children;
 
     QString label;
@@ -86,6 +93,8 @@ public:
     QList<ZAXFeatObjectPropertyBase*> pointers;
 
     int openChanges = 0;
+    /// How many EndModify() are at work with the feature, its last change being closed.
+    int closings = 0;
     bool isInitialized = false;
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;

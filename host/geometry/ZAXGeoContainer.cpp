@@ -9,6 +9,7 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -28,6 +29,13 @@ bool HasTypeOf(const void* module)
 }
 
 } // namespace
+
+quint64 ZAXGeoContainerPrivate::NextId()
+{
+    if (lastId == std::numeric_limits<quint64>::max())
+        throw ZAXSysException(QLatin1String("The document has no ids left for new objects."));
+    return ++lastId;
+}
 
 void ZAXGeoContainerPrivate::Insert(quint64 id, ZAXGeoGeometry* geometry)
 {

@@ -14,8 +14,9 @@ class ZAXGEOMETRY_EXPORT ZAXGeoContainerPrivate
 public:
     static ZAXGeoContainerPrivate& Get(const ZAXGeoContainer& container) { return *container.d_ptr; }
 
-    /// The id for a new geometry; never given twice.
-    quint64 NextId() { return ++lastId; }
+    /// The id for a new geometry; never given twice. \throws ZAXSysException when there are none left, as after a file
+    /// that claims so.
+    quint64 NextId();
     /// Makes \a geometry known under \a id. \throws ZAXSysException when the id is taken.
     void Insert(quint64 id, ZAXGeoGeometry* geometry);
     /// Forgets \a geometry; harmless when it is not known.

@@ -254,6 +254,7 @@ private slots:
     void objectThatCannotBeMadeIsKept_data();
     void objectThatCannotBeMadeIsKept();
     void referenceToNothingIsKept();
+    void documentWithoutIdsLeftTakesNoNewObject();
     void everyFlippedBitLeavesTheDocument();
     void everyBeginningLeavesTheDocument();
     void failureOnceIsAPlaceholderToo_data();
@@ -590,6 +591,17 @@ void tst_ZAXHostDocument::referenceToNothingIsKept()
     QCOMPARE(document.GetProblems().constFirst().message,
              QStringLiteral("The object 1 refers to the object 99, which does not exist."));
     QVERIFY(PartOf(document, 1));
+    QCOMPARE(document.Encode(), bytes);
+}
+
+void tst_ZAXHostDocument::documentWithoutIdsLeftTakesNoNewObject()
+{
+    const QByteArray bytes =
+        Changed(*m_document, [](ZAXHostDocumentImage& image) { image.lastId = std::numeric_limits<quint64>::max(); });
+    ZAXHostDocument document;
+    QVERIFY(Load(document, bytes));
+    QCOMPARE(MessageOf([&] { document.GetContainer()->CreateInstance("ZAXProbePart", nullptr); }),
+             QLatin1String("The document has no ids left for new objects."));
     QCOMPARE(document.Encode(), bytes);
 }
 

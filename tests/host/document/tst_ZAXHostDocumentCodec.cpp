@@ -56,7 +56,7 @@ QString Complaint(const QByteArray& bytes)
 {
     Image image;
     const auto result = ZAXHostDocumentCodec::Decode(bytes, image);
-    return result && !image.damages.isEmpty() ? image.damages.constFirst().message : result.GetMessage();
+    return result && !image.damages.isEmpty() ? image.damages.constFirst().GetMessage() : result.GetMessage();
 }
 
 QString DamagedAt(qsizetype position, const char* what)

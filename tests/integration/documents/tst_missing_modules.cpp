@@ -148,6 +148,7 @@ private slots:
     void conversionKeepsTheChangedMark();
     void conversionIsRefusedDuringAChange();
     void conversionIsRefusedForWhatSomebodyHolds();
+    void conversionBringsNothingToLife();
     void idsAreNotGivenAgainAfterConversion();
 };
 
@@ -694,6 +695,17 @@ void tst_missing_modules::conversionIsRefusedForWhatSomebodyHolds()
     QVERIFY(document.GetUndo().Undo());
     held->RemoveReference();
     QVERIFY(document.ConvertToPlaceholders(Modules::Types()));
+}
+
+void tst_missing_modules::conversionBringsNothingToLife()
+{
+    ZAXHostDocument document;
+    QVERIFY(LoadBytes(document, home));
+    const Modules modules;
+    QVERIFY(document.GetInstances(&ZAXProbeGas::staticMetaObject).isEmpty());
+    QVERIFY(document.ConvertToPlaceholders(Modules::Types()));
+    for (const QMetaObject* type : Modules::Types())
+        QVERIFY(document.GetInstances(type).isEmpty());
 }
 
 void tst_missing_modules::idsAreNotGivenAgainAfterConversion()

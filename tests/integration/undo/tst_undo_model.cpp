@@ -1,4 +1,5 @@
 #include "ZAXFeatContainer.h"
+#include "ZAXHostClipboard.h"
 #include "ZAXHostDocument.h"
 #include "ZAXHostDuplicator.h"
 #include "ZAXHostTransaction.h"
@@ -6,8 +7,12 @@
 #include "ZAXProbeModules.h"
 #include "ZAXSysException.h"
 
+#include <QAction>
+#include <QBuffer>
+#include <QGuiApplication>
 #include <QPointer>
 #include <QRandomGenerator>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
 #include <QUndoStack>
@@ -145,6 +150,13 @@ public:
         egg->Initialize();
         egg->SetText(QLatin1String("egg"));
     }
+    void PostDuplicate(const ZAXFeatObject* source, const ZAXFeatObject* duplicated) override
+    {
+        ZAXProbePart::PostDuplicate(source, duplicated);
+        auto* const egg = new ZAXProbePart(this);
+        egg->Initialize();
+        ZAXProbeData::Run("PostDuplicate of a nest");
+    }
 };
 
 /// A part that takes something outside itself, and can refuse to be saved or to let it go.
@@ -180,12 +192,30 @@ public:
     {
         ZAXProbePart::Cleanup();
         ZAXProbeData::Run("Cleanup");
+        if (refusesToLeave)
+            throw std::runtime_error("stays");
+        if (evicted)
+            std::exchange(evicted, nullptr)->Remove();
         isMovedIn = false;
         ++moves;
+    }
+    void EndStateLoad() override
+    {
+        ZAXProbePart::EndStateLoad();
+        // The one that comes next.
+        if (data.text.GetValue() == u"alone" && GetParent()->GetChildren().size() > 1)
+            GetParent()->GetChildren().at(1)->Remove();
+    }
+    QString GetLabel() const override
+    {
+        ZAXProbeData::Run("Label of a tenant");
+        return ZAXProbePart::GetLabel();
     }
 
     bool isMovedIn = false;
     int moves = 0;
+    bool refusesToLeave = false;
+    ZAXFeatObject* evicted = nullptr;
 };
 
 /// What parents told of their children, as "part +" and "part -".
@@ -366,11 +396,32 @@ private slots:
     void redoneRemovalTakesLeaveAgain();
     void rolledBackCreationTakesLeave();
     void refusedLeaveLeavesTheFeature();
+    void refusedLeaveLeavesAllOfThem();
+    void removedChildTakesLeaveOnce();
 
     void featureThatCannotBeSavedIsNotChanged();
     void featureThatCannotBeSavedAnyMoreIsChangedForGood();
     void rollBackSaysWhatItCouldNotTakeBack();
     void undoWithoutAContainerDoesNothing();
+
+    void changeOfARemovedFeatureMayFreeIt();
+    void undoLimitMayFreeWhatChanges();
+    void actionOfTheStackIsRefusedDuringATransaction();
+    void actionOfTheStackStopsAtWhatCannotBeTakenBack();
+    void transactionWithoutADocumentIsRefused();
+    void transactionThatEndsInASlotIsAStep();
+    void failedUndoIsToldOfInPairs();
+    void departureThatASlotSendsOnIsToldOfInPairs();
+    void newcomerThatASlotRemovesIsToldToNobody();
+    void failedUndoLeavesTheOrder();
+    void undoTakesMovesOfSlotsBackExactly();
+    void failedDuplicationLeavesTheDocumentClean();
+    void labelThatFailsLosesNoStep();
+    void objectMayRemoveAnotherWhenItIsLoaded();
+    void openedDocumentIsClean();
+    void pasteThatFailsLeavesNothing();
+    void slotThatThrowsLeavesWhatWasPasted();
+    void slotThatPointsAtWhatLeavesIsOverruled();
 
     void slotMayRemoveTheOwnerOfAList_data();
     void slotMayRemoveTheOwnerOfAList();
@@ -644,7 +695,7 @@ void tst_undo_model::newAndMovedIsToldOfInPairs()
     QVERIFY(Undo().Undo());
     QCOMPARE(announcements.Take(), QLatin1String("other -, part -"));
     QVERIFY(Undo().Redo());
-    QCOMPARE(announcements.Take(), QLatin1String("part +, other +"));
+    QCOMPARE(announcements.Take(), QLatin1String("other +, part +"));
 }
 
 void tst_undo_model::parentIsNotToldOfAGuestThatGoesOnAtOnce()
@@ -693,12 +744,12 @@ void tst_undo_model::redoneRemovalTakesLeaveAgain()
 
 void tst_undo_model::rolledBackCreationTakesLeave()
 {
-    bool isMovedIn = true;
     ZAXHostTransaction transaction(Undo(), QLatin1String("Not yet"));
-    const auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant"));
-    connect(tenant, &QObject::destroyed, this, [&, tenant] { isMovedIn = tenant->isMovedIn; });
+    auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant"));
+    tenant->AddReference();
     QVERIFY(transaction.Rollback());
-    QVERIFY(!isMovedIn);
+    QVERIFY(!tenant->isMovedIn);
+    tenant->RemoveReference();
 }
 
 void tst_undo_model::refusedLeaveLeavesTheFeature()
@@ -712,6 +763,300 @@ void tst_undo_model::refusedLeaveLeavesTheFeature()
     QCOMPARE(document->Encode(), before);
     QVERIFY(!Stack().canRedo());
     QVERIFY(Undo().Undo());
+}
+
+void tst_undo_model::refusedLeaveLeavesAllOfThem()
+{
+    const auto* const first = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant", part));
+    auto* const second = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant", part));
+    second->refusesToLeave = true;
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, part->Remove());
+    QVERIFY(first->isMovedIn && second->isMovedIn);
+    QCOMPARE(part->GetChildren().size(), 2);
+    second->refusesToLeave = false;
+    part->Remove();
+    QVERIFY(!first->isMovedIn && !second->isMovedIn);
+}
+
+void tst_undo_model::removedChildTakesLeaveOnce()
+{
+    auto* const owner = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant", part));
+    auto* const child = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant", owner));
+    owner->evicted = child;
+    part->Remove();
+    QCOMPARE(child->moves, 2);
+    QVERIFY(Undo().Undo());
+    QVERIFY(child->isMovedIn && owner->isMovedIn);
+}
+
+void tst_undo_model::changeOfARemovedFeatureMayFreeIt()
+{
+    const QPointer<ZAXProbePart> child = Create("ZAXProbePart", part);
+    QVERIFY(Undo().Undo());
+    child->SetLabel(QLatin1String("held on to"));
+    QVERIFY(child);
+    QCoreApplication::processEvents();
+    QVERIFY(!child);
+}
+
+void tst_undo_model::undoLimitMayFreeWhatChanges()
+{
+    Stack().setUndoLimit(1);
+    const QPointer<ZAXProbePart> child = Create("ZAXProbePart", part);
+    child->Remove();
+    child->SetLabel(QLatin1String("held on to"));
+    QVERIFY(child);
+    QCoreApplication::processEvents();
+    QVERIFY(!child);
+}
+
+void tst_undo_model::actionOfTheStackIsRefusedDuringATransaction()
+{
+    part->SetText(QLatin1String("first"));
+    const std::unique_ptr<QAction> undo(Stack().createUndoAction(nullptr));
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Open"));
+    part->SetText(QLatin1String("second"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("still under way")));
+    undo->trigger();
+    QCOMPARE(part->data.text.GetValue(), QLatin1String("second"));
+    QCOMPARE(Stack().index(), 1);
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), 2);
+    undo->trigger();
+    QCOMPARE(part->data.text.GetValue(), QLatin1String("first"));
+}
+
+void tst_undo_model::actionOfTheStackStopsAtWhatCannotBeTakenBack()
+{
+    auto* const tenant = Create("ZAXProbeTenant");
+    part->SetText(QLatin1String("first"));
+    tenant->SetText(QLatin1String("second"));
+    part->SetText(QLatin1String("third"));
+    const int index = Stack().index();
+    ZAXProbeData::failAt = "Load of a tenant";
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("The probe fails at Load of a tenant.")));
+    Stack().setIndex(0);
+    ZAXProbeData::failAt = "";
+    QCOMPARE(Stack().index(), index - 1);
+    QCOMPARE(part->data.text.GetValue(), QLatin1String("first"));
+    QCOMPARE(tenant->data.text.GetValue(), QLatin1String("second"));
+    Stack().setIndex(0);
+    QCOMPARE(Stack().index(), 0);
+    QCOMPARE(part->data.text.GetValue(), QString());
+    Stack().setIndex(index);
+    QCOMPARE(part->data.text.GetValue(), QLatin1String("third"));
+}
+
+void tst_undo_model::transactionWithoutADocumentIsRefused()
+{
+    ZAXHostUndo undo(nullptr);
+    ZAXHostTransaction transaction(undo, QLatin1String("Nothing"));
+    QCOMPARE(transaction.GetResult().GetMessage(), QLatin1String("There is no document."));
+    QCOMPARE(transaction.Commit().GetMessage(), QLatin1String("There is no document."));
+    QCOMPARE(transaction.Rollback().GetMessage(), QLatin1String("There is no document."));
+}
+
+void tst_undo_model::transactionThatEndsInASlotIsAStep()
+{
+    auto transaction = std::make_unique<ZAXHostTransaction>(Undo(), QLatin1String("Cut short"));
+    connect(part, &ZAXFeatObject::LabelChanged, this, [&] { transaction.reset(); });
+    part->SetText(QLatin1String("changed"));
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QLatin1String("not rolled back")));
+    part->SetLabel(QLatin1String("changed"));
+    QVERIFY(!Undo().IsBusy());
+    QCOMPARE(Stack().undoText(), QLatin1String("Cut short"));
+    QVERIFY(Undo().Undo());
+    QCOMPARE(part->data.text.GetValue(), QString());
+}
+
+void tst_undo_model::failedUndoIsToldOfInPairs()
+{
+    auto* const tenant = Create("ZAXProbeTenant");
+    auto* const child = Create("ZAXProbePart", part);
+    part->SetLabel(QLatin1String("part"));
+    other->SetLabel(QLatin1String("other"));
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Move and change"));
+    QVERIFY(child->MoveTo(other, 0));
+    tenant->SetText(QLatin1String("changed"));
+    QVERIFY(transaction.Commit());
+    Announcements announcements;
+    announcements.Follow(part);
+    announcements.Follow(other);
+    ZAXProbeData::failAt = "Load of a tenant";
+    QVERIFY(!Undo().Undo());
+    ZAXProbeData::failAt = "";
+    QCOMPARE(child->GetParent(), other);
+    QCOMPARE(announcements.Take(), QLatin1String("other -, other +"));
+}
+
+void tst_undo_model::departureThatASlotSendsOnIsToldOfInPairs()
+{
+    auto* const third = Create("ZAXProbePart");
+    auto* const child = Create("ZAXProbePart", part);
+    for (const auto& [parent, name] : {std::pair(part, "part"), {other, "other"}, {third, "third"}})
+        parent->SetLabel(QLatin1String(name));
+    QVERIFY(child->MoveTo(other, 0));
+    const QByteArray after = document->Encode();
+    Announcements announcements;
+    for (ZAXFeatObject* parent : {part, other, third})
+        announcements.Follow(parent);
+    connect(other, &ZAXFeatObject::ChildRemoved, this, [third](ZAXFeatObject* gone) { gone->MoveTo(third, 0); });
+    QVERIFY(Undo().Undo());
+    QCOMPARE(child->GetParent(), part);
+    QCOMPARE(announcements.Take(), QLatin1String("other -, third +, third -, part +"));
+    QVERIFY(Undo().Redo());
+    QCOMPARE(document->Encode(), after);
+}
+
+void tst_undo_model::newcomerThatASlotRemovesIsToldToNobody()
+{
+    auto* const nest = Create("ZAXProbePart", part);
+    Create("ZAXProbePart", nest);
+    Create("ZAXProbePart", nest);
+    QPointer<ZAXFeatObject> copy;
+    QStringList told;
+    connect(part, &ZAXFeatObject::ChildAdded, this, [&](ZAXFeatObject* added) {
+        auto* const second = added->GetChildren().at(1);
+        connect(added, &ZAXFeatObject::ChildAdded, this, [&] { told.append(QLatin1String("+")); });
+        connect(added, &ZAXFeatObject::ChildRemoved, this, [&] { told.append(QLatin1String("-")); });
+        second->Remove();
+    });
+    QCOMPARE(ZAXHostDuplicator::Duplicate(nest)->GetChildren().size(), 1);
+    QCOMPARE(told, QStringList(QLatin1String("+")));
+}
+
+void tst_undo_model::failedUndoLeavesTheOrder()
+{
+    const QList<ZAXFeatObject*> children{Create("ZAXProbePart", part), Create("ZAXProbePart", part),
+                                         Create("ZAXProbePart", part)};
+    children.at(0)->Remove();
+    Create("ZAXProbePart", other);
+    Stack().setClean();
+    const QByteArray before = document->Encode();
+    connect(other, &ZAXFeatObject::ChildRemoved, this, [&] {
+        children.at(1)->MoveTo(part, 1);
+        throw std::runtime_error("slot");
+    });
+    QCOMPARE(Undo().Undo().GetMessage(), QLatin1String("slot"));
+    QCOMPARE(document->Encode(), before);
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo_model::undoTakesMovesOfSlotsBackExactly()
+{
+    QList<ZAXFeatObject*> children;
+    for (int i = 0; i < 4; ++i)
+        children.append(Create("ZAXProbePart", part));
+    const QByteArray before = document->Encode();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Two go"));
+    QVERIFY(children.at(0)->MoveTo(other, 0));
+    QVERIFY(children.at(2)->MoveTo(other, 0));
+    QVERIFY(transaction.Commit());
+    const QByteArray after = document->Encode();
+    // In the midst of the step, what stays changes its place among the siblings.
+    connect(other, &ZAXFeatObject::ChildRemoved, this, [&] {
+        children.at(3)->MoveTo(part, 0);
+        document->GetContainer()->CreateInstance("ZAXProbePart", part)->MoveTo(part, 0);
+    });
+    QVERIFY(Undo().Undo());
+    QCOMPARE(document->Encode(), before);
+    QVERIFY(Undo().Redo());
+    QCOMPARE(document->Encode(), after);
+}
+
+void tst_undo_model::failedDuplicationLeavesTheDocumentClean()
+{
+    auto* const nest = Create("ZAXProbeNest");
+    Stack().setClean();
+    const QByteArray before = document->Encode();
+    ZAXProbeData::failAt = "PostDuplicate of a nest";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, ZAXHostDuplicator::Duplicate(nest));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(document->Encode(), before);
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo_model::labelThatFailsLosesNoStep()
+{
+    auto* const tenant = qobject_cast<ZAXProbeTenant*>(Create("ZAXProbeTenant"));
+    const int count = Stack().count();
+    ZAXProbeData::failAt = "Label of a tenant";
+    tenant->SetText(QLatin1String("changed"));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(Stack().count(), count + 1);
+    QVERIFY(Undo().Undo());
+    QCOMPARE(tenant->data.text.GetValue(), QString());
+}
+
+void tst_undo_model::objectMayRemoveAnotherWhenItIsLoaded()
+{
+    Create("ZAXProbeTenant", part)->SetText(QLatin1String("alone"));
+    Create("ZAXProbeTenant", part);
+    Create("ZAXProbeTenant", part)->SetText(QLatin1String("last"));
+    QByteArray bytes = document->Encode();
+    QBuffer buffer(&bytes);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    ZAXHostDocument loaded;
+    QVERIFY(loaded.Load(&buffer));
+    const auto children = loaded.GetContainer()->GetRoots().constFirst()->GetChildren();
+    QCOMPARE(children.size(), 2);
+    QCOMPARE(qobject_cast<ZAXProbePart*>(children.at(1))->data.text.GetValue(), QLatin1String("last"));
+}
+
+void tst_undo_model::openedDocumentIsClean()
+{
+    QByteArray bytes = document->Encode();
+    part->SetText(QLatin1String("changed"));
+    QVERIFY(Undo().Clear());
+    QVERIFY(document->IsModified());
+    QBuffer buffer(&bytes);
+    QVERIFY(buffer.open(QIODevice::ReadOnly));
+    QVERIFY(document->Load(&buffer));
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo_model::pasteThatFailsLeavesNothing()
+{
+    // It has what it points at, outside, point back; then the next one fails.
+    other->SetText(QLatin1String("back"));
+    part->links.Add(other, false);
+    auto* const tenant = Create("ZAXProbeTenant", part);
+    const QByteArray copied = ZAXHostClipboard::Copy({part, tenant});
+    const QByteArray before = document->Encode();
+    const int count = Stack().count();
+    QList<ZAXFeatObject*> pasted;
+    QList<ZAXHostProblem> problems;
+    ZAXProbeData::failAt = "Load of a tenant";
+    QCOMPARE(ZAXHostClipboard::Paste(copied, other, pasted, problems).GetMessage(),
+             QLatin1String("The probe fails at Load of a tenant."));
+    ZAXProbeData::failAt = "";
+    QVERIFY(pasted.isEmpty());
+    QCOMPARE(document->Encode(), before);
+    QCOMPARE(Stack().count(), count);
+}
+
+void tst_undo_model::slotThatThrowsLeavesWhatWasPasted()
+{
+    const QByteArray copied = ZAXHostClipboard::Copy({part});
+    const int count = Stack().count();
+    const auto fail = connect(other, &ZAXFeatObject::ChildAdded, this, [] { throw std::runtime_error("slot"); });
+    QList<ZAXFeatObject*> pasted;
+    QList<ZAXHostProblem> problems;
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, (void)ZAXHostClipboard::Paste(copied, other, pasted, problems));
+    disconnect(fail);
+    QCOMPARE(pasted, other->GetChildren());
+    QCOMPARE(pasted.size(), 1);
+    QCOMPARE(Stack().count(), count + 1);
+    QVERIFY(Undo().Undo());
+    QVERIFY(other->GetChildren().isEmpty());
+}
+
+void tst_undo_model::slotThatPointsAtWhatLeavesIsOverruled()
+{
+    other->links.Add(part, false);
+    connect(other, &ZAXProbePart::LinkRemoved, this, [this](ZAXFeatObject* gone) { other->links.Add(gone, false); });
+    part->Remove();
+    QVERIFY(other->links.GetObjects().isEmpty());
 }
 
 void tst_undo_model::featureThatCannotBeSavedIsNotChanged()
@@ -1012,5 +1357,6 @@ void tst_undo_model::stepsOutliveADestroyedParent()
     QVERIFY(!removed);
 }
 
-QTEST_GUILESS_MAIN(tst_undo_model)
+// Actions need a QGuiApplication.
+QTEST_MAIN(tst_undo_model)
 #include "tst_undo_model.moc"

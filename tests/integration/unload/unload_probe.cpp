@@ -16,6 +16,7 @@
 
 #include <QBuffer>
 #include <QColor>
+#include <QDir>
 #include <QMetaProperty>
 #include <QSequentialIterable>
 #include <QTemporaryDir>
@@ -135,7 +136,7 @@ void UseProperties(ZAXFeatObject* feature)
 
 void UseCatalogue(ZAXMatMaterial* material)
 {
-    const QTemporaryDir directory;
+    const QTemporaryDir directory(QDir::tempPath() + QString::fromUtf8("/zax ø XXXXXX"));
     ProbeManager manager(directory.path());
     const ProbePlugin plugin;
     Require(ZAXMatProvider::GetProviders().size() == 1, "The manager's provider is not listed.");

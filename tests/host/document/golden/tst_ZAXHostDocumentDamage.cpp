@@ -461,12 +461,19 @@ void tst_ZAXHostDocumentDamage::damageTakesLittleMemory_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     constexpr int many = 20000;
-    const auto manyTimes = [](auto object) {
+    const auto times = [](int count, auto object) {
         ZAXDocumentBytes document(many, folders);
-        for (int i = 0; i < many; ++i)
+        for (int i = 0; i < count; ++i)
             object(document, quint64(i));
         return document.End();
     };
+    const auto manyTimes = [&](auto object) { return times(many, object); };
+    const auto belowItself = [](auto& document, quint64 i) { document.Object(folder, i + 1, i + 1, 0, {}); };
+    const auto neverGiven = [](auto& document, quint64 i) { document.Object(folder, many + 1 + i, 0, 0, {}); };
+    for (const int count : {2000, many}) {
+        QTest::addRow("%d below themselves", count) << times(count, belowItself);
+        QTest::addRow("%d with ids never given", count) << times(count, neverGiven);
+    }
     QTest::newRow("undamaged") << manyTimes(
         [](auto& document, quint64 i) { document.Object(folder, i + 1, 0, quint32(i), {}); });
     QTest::newRow("one id for all") << manyTimes(
