@@ -29,6 +29,8 @@ public:
           m_provider(QByteArray::number(materials), QString(), m_file.Directory()),
           m_cache(ZAXMatProviderCache::GetCache(m_provider.GetProviderId()))
     {
+        // Fills the cache.
+        Find();
     }
 
     /// Each operation, in seconds.
