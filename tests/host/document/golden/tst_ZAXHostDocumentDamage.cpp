@@ -237,7 +237,7 @@ void tst_ZAXHostDocumentDamage::everyPrefixIsNoticed()
 {
     QFETCH(QString, name);
     Golden golden(name);
-    const auto sizes = Sample(golden.bytes.size(), 5);
+    const auto sizes = Sample(golden.bytes.size(), 23);
     for (const qsizetype size : sizes) {
         const QString wrong = golden.Judge(golden.bytes.first(size), size, golden.bytes.size());
         QVERIFY2(wrong.isEmpty(), qPrintable(QStringLiteral("%1 bytes: %2").arg(size).arg(wrong)));
@@ -248,7 +248,7 @@ void tst_ZAXHostDocumentDamage::everyBitIsNoticed()
 {
     QFETCH(QString, name);
     Golden golden(name);
-    const auto bits = Sample(golden.bytes.size() * 8, 19);
+    const auto bits = Sample(golden.bytes.size() * 8, 97);
     for (const qsizetype bit : bits) {
         const qsizetype position = bit / 8;
         QByteArray damaged = golden.bytes;
