@@ -26,8 +26,7 @@ all=(RecordValues GetMaterial FindMaterials OpenCatalogue CatalogueMemory Commit
 
 # shellcheck disable=SC2086
 zax_install $zax_packages $zax_benchmark_packages
-cmake --preset release -DZAX_BENCHMARKS=ON >&2
-cmake --build --preset release --target "${names[@]/#/bench_}" >&2
+zax_build bench "${names[@]/#/bench_}"
 
 out=build/bench
 mkdir -p "$out"
@@ -36,7 +35,7 @@ figures=$out/figures.tsv
 code=0
 printf '%-52s %9s %-6s %9s %7s %5s\n' name value unit floor ratio limit
 for name in "${names[@]}"; do
-    build/release/bin/"bench_$name" "${smoke[@]}" --output "$figures" || code=1
+    build/bench/bin/"bench_$name" "${smoke[@]}" --output "$figures" || code=1
 done
 
 {

@@ -100,6 +100,13 @@ void Bench::Add(const QString& name, Cost cost, const char* unit, double scale, 
     Append(QStringList{QLatin1String("figure")} + fields);
 }
 
+void Bench::AddFailure(const QString& name)
+{
+    m_isWithinLimits = false;
+    std::printf("%-52s fails\n", qUtf8Printable(name));
+    std::fflush(stdout);
+}
+
 void Bench::AddPoint(const QString& what, double size, double value)
 {
     Append({QLatin1String("point"), what, Number(size), Number(value)});

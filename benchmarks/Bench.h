@@ -52,6 +52,8 @@ public:
 
     /// Prints a figure: both costs times \a scale in \a unit, their ratio and the \a limit to that.
     void Add(const QString& name, Cost cost, const char* unit, double scale, double limit);
+    /// Tells that there is no figure, since what was to be measured does not work; counts as above its limit.
+    void AddFailure(const QString& name);
     /// Keeps a point of a curve for the plot: \a value at \a size. \a what names the curve.
     void AddPoint(const QString& what, double size, double value);
 

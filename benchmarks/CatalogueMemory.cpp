@@ -70,9 +70,9 @@ int main(int argc, char* argv[])
     ReadAll(*cache);
     const double cached = AllocatedBytes();
 
-    bench.Add(QLatin1String("memory per record, opened"), {(opened - before) / records, compact}, "bytes", 1, 8.0);
+    bench.Add(QLatin1String("memory per record, opened"), {(opened - before) / records, compact}, "bytes", 1, 4.0);
     bench.Add(QLatin1String("memory per record, all read"), {(read - before) / records, compact}, "bytes", 1, 4.0);
     bench.Add(QLatin1String("memory per record, all read through the cache"), {(cached - before) / records, compact},
-              "bytes", 1, 8.0);
+              "bytes", 1, 4.0);
     return bench.ExitCode();
 }

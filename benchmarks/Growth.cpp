@@ -124,7 +124,7 @@ int main(int argc, char* argv[])
         QList<std::function<double()>> operations;
         for (auto& subject : subjects)
             operations.append([&subject, operation] { return operation(*subject); });
-        const QList<double> costs = bench.Interleave(operations, 5);
+        const QList<double> costs = bench.Interleave(operations, 3);
         int size = smallest;
         for (qsizetype i = 0; i < costs.size(); ++i, size *= 10) {
             bench.AddPoint(QString::fromUtf8(what), size, costs[i]);
