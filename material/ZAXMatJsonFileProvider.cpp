@@ -225,13 +225,11 @@ void ZAXMatJsonFileProviderPrivate::TakeRecords(const std::vector<ZAXMatDefiniti
     materials.clear();
     materialPackagings.clear();
     packagings.clear();
-    packagingMaterial.clear();
     const auto isOf = [](ZAXMatDefinition::Type type) {
         return [type](const ZAXMatDefinition& record) { return record.IsValid() && record.GetType() == type; };
     };
     materials.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Material)));
     packagings.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Packaging)));
-    packagingMaterial.reserve(packagings.capacity());
     for (const ZAXMatDefinition& record : records) {
         if (!record.IsValid())
             continue;
@@ -288,15 +286,15 @@ void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packagi
 {
     packagings.insert(packaging.GetKey(), packaging);
     materialPackagings.insert(packaging.GetMaterialKey(), packaging.GetKey());
-    packagingMaterial.insert(packaging.GetKey(), packaging.GetMaterialKey());
 }
 
 bool ZAXMatJsonFileProviderPrivate::RemovePackaging(const QByteArray& key)
 {
-    if (!packagings.remove(key))
+    const auto packaging = packagings.constFind(key);
+    if (packaging == packagings.constEnd())
         return false;
-    materialPackagings.remove(packagingMaterial.value(key), key);
-    packagingMaterial.remove(key);
+    materialPackagings.remove(packaging->GetMaterialKey(), key);
+    packagings.erase(packaging);
     return true;
 }
 

@@ -48,9 +48,7 @@ public:
 
     Records materials;
     Records packagings;
-    /// Packaging key to the key of its material.
-    QHash<QByteArray, QByteArray> packagingMaterial;
-    /// Material key to the keys of its packagings.
+    /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds.
     QMultiHash<QByteArray, QByteArray> materialPackagings;
 
 private:
