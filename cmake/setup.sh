@@ -1,7 +1,8 @@
-# Sourced by run.sh and test.sh: installs what a bare Debian 12 lacks, or says what to install.
+# Sourced by run.sh, test.sh and bench.sh: installs what a bare Debian 12 lacks, or says what to install.
 
 zax_packages="g++ cmake ninja-build qt6-base-dev zlib1g-dev libcli11-dev libcsv-dev rapidjson-dev"
 zax_test_packages="locales qt6-l10n-tools"
+zax_benchmark_packages="gnuplot-nox"
 
 # zax_as_root COMMAND...: runs COMMAND as root, through sudo where need be; fails when there is no way to.
 zax_as_root() {

@@ -5,7 +5,6 @@
 #include "ZAXMatMaterialExtension.h"
 #include "ZAXMatPackaging.h"
 #include "ZAXMatPackagingExtension.h"
-#include "ZAXMatValueEquality.h"
 #include "ZAXSysException.h"
 
 #include <QJsonObject>
@@ -14,47 +13,29 @@
 
 namespace {
 
-using Table = ZAXMatDefinitionPrivate::Table;
-using Values = ZAXMatDefinitionPrivate::Values;
+using Extension = ZAXMatValues::Extension;
 
-/// Whether two hashes hold the same keys with values that \a isSame finds the same.
-template <typename Hash, typename IsSame>
-bool IsSameHash(const Hash& a, const Hash& b, IsSame isSame)
-{
-    if (a.isSharedWith(b))
-        return true;
-    const auto entries = a.asKeyValueRange();
-    return a.size() == b.size() && std::all_of(entries.begin(), entries.end(), [&](const auto& entry) {
-               const auto other = b.constFind(entry.first);
-               return other != b.constEnd() && isSame(entry.second, other.value());
-           });
-}
-
-bool IsSameTable(const Table& a, const Table& b)
-{
-    return IsSameHash(a, b, ZAXMatIsSameValue);
-}
-
-bool IsSameValues(const Values& a, const Values& b)
-{
-    return IsSameHash(a, b, IsSameTable);
-}
-
-QJsonObject TableToJson(const Table& table)
+QJsonObject TableToJson(const ZAXMatValues& values, const Extension& extension)
 {
     QJsonObject object;
-    for (const auto& [property, value] : table.asKeyValueRange())
-        object.insert(QString::fromUtf8(property), QJsonValue::fromVariant(value));
+    for (std::size_t i = extension.begin; i < extension.end; ++i)
+        object.insert(QString::fromUtf8(values.GetProperty(i)), QJsonValue::fromVariant(values.GetValue(i)));
     return object;
 }
 
-Table TableFromJson(const QJsonObject& object)
+/// Adds the tables of \a properties to \a builder; what their names are once they are bytes is kept in \a names.
+void AddTables(const QJsonObject& properties, ZAXMatValuesBuilder& builder, QList<QByteArray>& names)
 {
-    Table table;
-    table.reserve(object.size());
-    for (auto member = object.begin(); member != object.end(); ++member)
-        table.insert(member.key().toLatin1(), member.value().toVariant());
-    return table;
+    const auto keep = [&names](const QString& name) {
+        names.append(name.toLatin1());
+        return QByteArrayView(names.constLast());
+    };
+    for (auto table = properties.begin(); table != properties.end(); ++table) {
+        builder.AddExtension(keep(table.key()));
+        const QJsonObject values = table.value().toObject();
+        for (auto value = values.begin(); value != values.end(); ++value)
+            builder.AddValue(keep(value.key()), value.value().toVariant());
+    }
 }
 
 /// The object that carries the properties of \a extension: \a feature itself for the empty key, else its extension of
@@ -90,7 +71,7 @@ ZAXMatDefinition::ZAXMatDefinition(const QByteArray& key, Type type,
     d->key = key;
     d->type = type;
     for (const auto& [extension, property] : allowedProperties.asKeyValueRange())
-        d->values[extension].insert(property, QVariant());
+        d->values.Insert(extension, property, QVariant());
     d->savedValues = d->values;
 }
 
@@ -147,43 +128,44 @@ bool ZAXMatDefinition::IsValid() const
 
 void ZAXMatDefinition::AddAllowedProperty(const QByteArray& extension, const QByteArray& property)
 {
-    d->values[extension].insert(property, QVariant());
+    d->values.Insert(extension, property, QVariant());
 }
 
 void ZAXMatDefinition::RemoveAllowedProperty(const QByteArray& extension, const QByteArray& property)
 {
-    const auto table = d->values.find(extension);
-    if (table != d->values.end())
-        table->remove(property);
+    d->values.Remove(extension, property);
 }
 
 bool ZAXMatDefinition::IsDefined(const QByteArray& property, const QByteArray& extension) const
 {
-    const auto table = d->values.constFind(extension);
-    return table != d->values.constEnd() && table->contains(property);
+    return d->values.Find(extension, property);
 }
 
 QList<QByteArray> ZAXMatDefinition::GetDefinedExtensions() const
 {
-    return d->values.keys();
+    QList<QByteArray> keys;
+    std::ranges::transform(d->values.GetExtensions(), std::back_inserter(keys), &Extension::key);
+    return keys;
 }
 
 QList<QByteArray> ZAXMatDefinition::GetDefinedProperties(const QByteArray& extension) const
 {
-    return d->values.value(extension).keys();
+    QList<QByteArray> names;
+    const Extension* const table = d->values.FindExtension(extension);
+    for (std::size_t i = table ? table->begin : 0; table && i < table->end; ++i)
+        names.append(d->values.GetProperty(i));
+    return names;
 }
 
 QVariant ZAXMatDefinition::GetValue(const QByteArray& property, const QByteArray& extension) const
 {
-    const auto table = d->values.constFind(extension);
-    return table != d->values.constEnd() ? table->value(property) : QVariant();
+    const QVariant* const value = d->values.Find(extension, property);
+    return value ? *value : QVariant();
 }
 
 bool ZAXMatDefinition::SetValue(const QByteArray& property, const QVariant& value, const QByteArray& extension)
 {
-    const bool wasDefined = IsDefined(property, extension);
-    d->values[extension].insert(property, value);
-    return wasDefined;
+    return d->values.Insert(extension, property, value);
 }
 
 void ZAXMatDefinition::Commit()
@@ -200,7 +182,7 @@ void ZAXMatDefinition::Revert()
 
 bool ZAXMatDefinition::IsChanged() const
 {
-    return !IsSameValues(d->values, d->savedValues) || d->name != d->savedName;
+    return !(d->values == d->savedValues) || d->name != d->savedName;
 }
 
 void ZAXMatDefinition::CopyValues(const ZAXMatDefinition& other)
@@ -214,12 +196,10 @@ void ZAXMatDefinition::LoadFromFeature(const ZAXFeatObject* feature)
     if (!IsTypeOf(d->type, feature))
         throw ZAXSysException(QLatin1String("Types do not match."));
     d->name = feature->GetLabel();
-    for (auto table = d->values.begin(); table != d->values.end(); ++table) {
-        const QObject* const target = table.key().isEmpty() ? feature : FindTarget(feature, table.key(), false);
-        if (!target)
-            continue;
-        for (auto value = table->begin(); value != table->end(); ++value)
-            value.value() = target->property(value.key().constData());
+    for (const Extension& extension : std::as_const(d)->values.GetExtensions()) {
+        const QObject* const target = extension.key.isEmpty() ? feature : FindTarget(feature, extension.key, false);
+        for (std::size_t i = extension.begin; target && i < extension.end; ++i)
+            d->values.SetValue(i, target->property(d->values.GetProperty(i).constData()));
     }
 }
 
@@ -228,12 +208,11 @@ void ZAXMatDefinition::SaveToFeature(ZAXFeatObject* feature) const
     // What listens to the feature's signals may change this record meanwhile; what it holds now is what is written.
     const auto record = d;
     feature->SetLabel(record->name);
-    for (const auto& [extension, table] : record->values.asKeyValueRange()) {
-        QObject* const target = extension.isEmpty() ? feature : FindTarget(feature, extension, true);
-        if (!target)
-            continue;
-        for (const auto& [property, value] : table.asKeyValueRange())
-            target->setProperty(property.constData(), value);
+    const ZAXMatValues& values = record->values;
+    for (const Extension& extension : values.GetExtensions()) {
+        QObject* const target = extension.key.isEmpty() ? feature : FindTarget(feature, extension.key, true);
+        for (std::size_t i = extension.begin; target && i < extension.end; ++i)
+            target->setProperty(values.GetProperty(i).constData(), values.GetValue(i));
     }
 }
 
@@ -245,8 +224,8 @@ QJsonValue ZAXMatDefinition::ToJson() const
     record.insert(QLatin1String("name"), d->name);
     record.insert(QLatin1String("type"), static_cast<int>(d->type));
     QJsonObject properties;
-    for (const auto& [extension, table] : d->values.asKeyValueRange())
-        properties.insert(QString::fromUtf8(extension), TableToJson(table));
+    for (const Extension& extension : d->values.GetExtensions())
+        properties.insert(QString::fromUtf8(extension.key), TableToJson(d->values, extension));
     record.insert(QLatin1String("properties"), properties);
     return record;
 }
@@ -258,15 +237,18 @@ void ZAXMatDefinition::FromJson(const QJsonValue& value)
     d->materialKey = record.value(QLatin1String("materialKey")).toString().toLatin1();
     d->name = record.value(QLatin1String("name")).toString();
     d->type = static_cast<Type>(record.value(QLatin1String("type")).toInt(Material));
-    const QJsonObject properties = record.value(QLatin1String("properties")).toObject();
-    for (auto member = properties.begin(); member != properties.end(); ++member)
-        d->values.insert(member.key().toLatin1(), TableFromJson(member.value().toObject()));
+    QList<QByteArray> names;
+    ZAXMatValuesBuilder builder;
+    builder.Add(d->values);
+    AddTables(record.value(QLatin1String("properties")).toObject(), builder, names);
+    builder.Arrange();
+    d->values = builder.Take();
 }
 
 bool ZAXMatDefinition::operator==(const ZAXMatDefinition& other) const
 {
     return d == other.d || (d->key == other.d->key && d->name == other.d->name && d->type == other.d->type &&
-                            IsSameValues(d->values, other.d->values));
+                            d->values == other.d->values);
 }
 
 bool ZAXMatDefinition::operator!=(const ZAXMatDefinition& other) const

@@ -116,6 +116,7 @@ public:
     bool operator!=(const ZAXMatDefinition& other) const;
 
 private:
+    friend class ZAXMatDefinitionPrivate;
     friend class ZAXMatProvider;
     /// A record with \a allowedProperties (extension key to property names) defined without values and unchanged.
     ZAXMatDefinition(const QByteArray& key, Type type, const QMultiHash<QByteArray, QByteArray>& allowedProperties);

@@ -4,24 +4,24 @@
 // Private to the library: not installed, and free to change.
 
 #include "ZAXMatDefinition.h"
+#include "ZAXMatValues.h"
 
-#include <QHash>
 #include <QSharedData>
 
 class ZAXMatDefinitionPrivate : public QSharedData
 {
 public:
-    /// Property name to value.
-    using Table = QHash<QByteArray, QVariant>;
-    /// Extension key to the table of its properties.
-    using Values = QHash<QByteArray, Table>;
+    /// What \a record holds.
+    static const ZAXMatDefinitionPrivate& Of(const ZAXMatDefinition& record) { return *record.d; }
+    /// The same, to be changed without a change to other records.
+    static ZAXMatDefinitionPrivate& Of(ZAXMatDefinition& record) { return *record.d; }
 
     QByteArray key;
     QByteArray materialKey;
     QString name;
     QString savedName;
-    Values values;
-    Values savedValues;
+    ZAXMatValues values;
+    ZAXMatValues savedValues;
     ZAXMatDefinition::Type type = ZAXMatDefinition::Material;
 };
 

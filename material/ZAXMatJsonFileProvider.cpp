@@ -1,5 +1,7 @@
 #include "ZAXMatJsonFileProvider.h"
 
+#include "ZAXMatCatalogueReader.h"
+#include "ZAXMatCatalogueWriter.h"
 #include "ZAXMatExtensionPlugin.h"
 #include "ZAXMatJsonFileProviderPrivate.h"
 #include "ZAXMatMaterial.h"
@@ -8,6 +10,7 @@
 #include "ZAXMatPackagingExtension.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -90,6 +93,19 @@ QJsonObject Parse(const QString& path, const QByteArray& text)
     return document.object();
 }
 
+/// The records of a file, in the order of the members of its root object; none, with the reason logged, when it is
+/// malformed.
+ZAXMatCatalogueReader::Records ReadRecords(const QString& path, const QByteArray& text)
+{
+    if (auto records = ZAXMatCatalogueReader(text).Read())
+        return *std::move(records);
+    ZAXMatCatalogueReader::Records records;
+    const QJsonObject root = Parse(path, text);
+    for (auto member = root.begin(); member != root.end(); ++member)
+        records.emplace_back().FromJson(member.value());
+    return records;
+}
+
 /// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
 bool WriteAll(QFileDevice& file, const QByteArray& text)
 {
@@ -169,53 +185,52 @@ ZAXMatDefinition NewRecord(ZAXMatDefinition::Type type, const QString& name)
 
 ZAXMatJsonFileProviderPrivate::ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label,
                                                              const QString& directory)
-    : id(id), label(label), directory(directory), lastFileTime(QDateTime::currentDateTime())
+    : id(id),
+      label(label),
+      filePath(directory + QDir::separator() + QLatin1String("materials.json")),
+      fileTime(filePath),
+      lastFileTime(QDateTime::currentMSecsSinceEpoch())
 {
-}
-
-QString ZAXMatJsonFileProviderPrivate::FilePath() const
-{
-    return directory + QDir::separator() + QLatin1String("materials.json");
 }
 
 void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
 {
-    const QString path = FilePath();
-    const QDateTime fileTime = QFileInfo(path).fileTime(QFileDevice::FileModificationTime);
-    if (!mustLoad && fileTime == lastFileTime)
+    if (!mustLoad && fileTime.Get() == lastFileTime)
         return;
 
-    QFile file(path);
+    QFile file(filePath);
     errno = 0;
     const bool isOpen = file.open(QIODevice::ReadOnly);
     // A file that is not there yet is nothing to report.
     if (!isOpen && errno == ENOENT)
         return;
     // The time of the very file that is read: should another take its place meanwhile, that is read the next time.
-    const QDateTime timeRead = file.fileTime(QFileDevice::FileModificationTime);
+    const ZAXMatFileTime::Time timeRead = fileTime.GetOpen(file);
     const QByteArray text = isOpen ? file.readAll() : QByteArray();
     if (file.error() != QFileDevice::NoError) {
         // Once, not for every operation that tries again.
         if (!std::exchange(isReadFailureLogged, true))
-            Warn("Cannot read", path, file.errorString());
+            Warn("Cannot read", filePath, file.errorString());
         return;
     }
 
-    TakeRecords(Parse(path, text));
+    TakeRecords(ReadRecords(filePath, text));
     lastFileTime = timeRead;
     mustLoad = false;
     isReadFailureLogged = false;
 }
 
-void ZAXMatJsonFileProviderPrivate::TakeRecords(const QJsonObject& root)
+void ZAXMatJsonFileProviderPrivate::TakeRecords(const std::vector<ZAXMatDefinition>& records)
 {
     materials.clear();
     materialPackagings.clear();
     packagings.clear();
-    packagingMaterial.clear();
-    for (auto member = root.begin(); member != root.end(); ++member) {
-        ZAXMatDefinition record;
-        record.FromJson(member.value());
+    const auto isOf = [](ZAXMatDefinition::Type type) {
+        return [type](const ZAXMatDefinition& record) { return record.IsValid() && record.GetType() == type; };
+    };
+    materials.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Material)));
+    packagings.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Packaging)));
+    for (const ZAXMatDefinition& record : records) {
         if (!record.IsValid())
             continue;
         if (record.GetType() == ZAXMatDefinition::Material)
@@ -227,52 +242,59 @@ void ZAXMatJsonFileProviderPrivate::TakeRecords(const QJsonObject& root)
 
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
-    const QString path = FilePath();
-    const QByteArray text = QJsonDocument(ToJson()).toJson(QJsonDocument::Indented);
-    QSaveFile aside(path);
+    const QByteArray text = ToText();
+    QSaveFile aside(filePath);
     if (aside.open(QIODevice::WriteOnly))
         return WriteAside(aside, text);
     // A directory that takes no new file may still hold one that can be written to.
-    QFile inPlace(path);
+    QFile inPlace(filePath);
     if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        const bool wasRead = !mustLoad && inPlace.fileTime(QFileDevice::FileModificationTime) == lastFileTime;
+        const bool wasRead = !mustLoad && fileTime.GetOpen(inPlace) == lastFileTime;
         const bool isWritten = WriteInPlace(inPlace, text);
         // The attempt alone gave the file a new time. Read again, it would take the records that are not in it away.
         if (!isWritten && wasRead)
-            lastFileTime = inPlace.fileTime(QFileDevice::FileModificationTime);
+            lastFileTime = fileTime.GetOpen(inPlace);
         return isWritten;
     }
-    Warn("Cannot write", path, aside.errorString());
+    Warn("Cannot write", filePath, aside.errorString());
     return false;
 }
 
-QJsonObject ZAXMatJsonFileProviderPrivate::ToJson() const
+QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
 {
+    // A packaging takes the place of a material of its key.
+    std::vector<ZAXMatCatalogueWriter::Member> members;
+    members.reserve(std::size_t(materials.size() + packagings.size()));
+    for (const Records* const records : {&materials, &packagings}) {
+        for (auto record = records->begin(); record != records->end(); ++record)
+            members.emplace_back(record.key(), &record.value());
+    }
+    if (const auto text = ZAXMatCatalogueWriter().Write(members))
+        return *text;
+
     // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
     QMap<QString, const ZAXMatDefinition*> records;
-    for (auto material = materials.begin(); material != materials.end(); ++material)
-        records.insert(QString::fromUtf8(material.key()), &material.value());
-    for (auto packaging = packagings.begin(); packaging != packagings.end(); ++packaging)
-        records.insert(QString::fromUtf8(packaging.key()), &packaging.value());
+    for (const auto& [key, record] : members)
+        records.insert(QString::fromUtf8(key), record);
     QJsonObject root;
     for (auto record = records.begin(); record != records.end(); ++record)
         root.insert(record.key(), record.value()->ToJson());
-    return root;
+    return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
 void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)
 {
     packagings.insert(packaging.GetKey(), packaging);
     materialPackagings.insert(packaging.GetMaterialKey(), packaging.GetKey());
-    packagingMaterial.insert(packaging.GetKey(), packaging.GetMaterialKey());
 }
 
 bool ZAXMatJsonFileProviderPrivate::RemovePackaging(const QByteArray& key)
 {
-    if (!packagings.remove(key))
+    const auto packaging = packagings.constFind(key);
+    if (packaging == packagings.constEnd())
         return false;
-    materialPackagings.remove(packagingMaterial.value(key), key);
-    packagingMaterial.remove(key);
+    materialPackagings.remove(packaging->GetMaterialKey(), key);
+    packagings.erase(packaging);
     return true;
 }
 

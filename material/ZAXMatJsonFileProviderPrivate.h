@@ -4,13 +4,14 @@
 // Private to the library: not installed, and free to change.
 
 #include "ZAXMatDefinition.h"
+#include "ZAXMatFileTime.h"
 
-#include <QDateTime>
 #include <QHash>
 #include <QJsonObject>
 #include <QMultiHash>
 
 #include <optional>
+#include <vector>
 
 /// The catalogue in memory and the file that it is read from and written to.
 class ZAXMatJsonFileProviderPrivate
@@ -20,7 +21,6 @@ public:
 
     ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label, const QString& directory);
 
-    QString FilePath() const;
     /// Replaces the tables by what the file holds if that is not what was read last. They stay if it cannot be read.
     void LoadIfChanged();
     /// Replaces the file by the tables. False, with the reason logged, when that fails.
@@ -36,10 +36,11 @@ public:
     const QByteArray id;
     /// Null for the default label, which follows the user's language.
     const std::optional<QString> label;
-    const QString directory;
+    const QString filePath;
+    const ZAXMatFileTime fileTime;
 
     /// Modification time of the file at the last load, at first the time of construction.
-    QDateTime lastFileTime;
+    ZAXMatFileTime::Time lastFileTime;
     /// Set before the first load and after a Commit(): the file is to be read whatever its time, since times are too
     /// coarse to tell a file from one that was written a moment later.
     bool mustLoad = true;
@@ -47,14 +48,13 @@ public:
 
     Records materials;
     Records packagings;
-    /// Packaging key to the key of its material.
-    QHash<QByteArray, QByteArray> packagingMaterial;
-    /// Material key to the keys of its packagings.
+    /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds.
     QMultiHash<QByteArray, QByteArray> materialPackagings;
 
 private:
-    void TakeRecords(const QJsonObject& root);
-    QJsonObject ToJson() const;
+    void TakeRecords(const std::vector<ZAXMatDefinition>& records);
+    /// The text of the file that holds the tables.
+    QByteArray ToText() const;
 };
 
 #endif

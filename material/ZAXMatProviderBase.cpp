@@ -1,5 +1,6 @@
 #include "ZAXMatProviderBase.h"
 
+#include "ZAXMatDefinitionPrivate.h"
 #include "ZAXMatValueEquality.h"
 
 class ZAXMatProviderBasePrivate
@@ -102,14 +103,17 @@ bool ZAXMatProviderBase::IsPackagingProperty(const QByteArray& property, const Q
 QList<QByteArray>
 ZAXMatProviderBase::FindMaterials(const QMultiHash<QByteArray, std::pair<QByteArray, QVariant>>& criteria) const
 {
+    const QVariant missing;
     QList<QByteArray> found;
     const QList<QByteArray> keys = GetMaterialKeys();
     for (const QByteArray& key : keys) {
         const ZAXMatDefinition material = GetMaterial(key);
+        const ZAXMatValues& values = ZAXMatDefinitionPrivate::Of(material).values;
         bool matches = true;
         for (const auto& [extension, criterion] : criteria.asKeyValueRange()) {
             const auto& [property, required] = criterion;
-            matches &= ZAXMatIsSameValue(material.GetValue(property, extension), required);
+            const QVariant* const value = values.Find(extension, property);
+            matches &= ZAXMatIsSameValue(value ? *value : missing, required);
         }
         if (matches)
             found.append(key);

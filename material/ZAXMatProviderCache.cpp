@@ -1,5 +1,6 @@
 #include "ZAXMatProviderCache.h"
 
+#include "ZAXMatDefinitionPrivate.h"
 #include "ZAXMatProvider.h"
 #include "ZAXMatProviderCachePrivate.h"
 
@@ -13,9 +14,9 @@ using Records = ZAXMatProviderCachePrivate::Records;
 template <typename Fetch>
 ZAXMatDefinition ReadThrough(Records& records, const QByteArray& key, Fetch fetch)
 {
-    const ZAXMatDefinition cached = records.value(key);
-    if (cached.IsValid())
-        return cached;
+    const auto cached = records.constFind(key);
+    if (cached != records.constEnd() && !ZAXMatDefinitionPrivate::Of(*cached).key.isEmpty())
+        return *cached;
     ZAXMatDefinition record = fetch(key);
     if (record.IsValid()) {
         record.Commit();

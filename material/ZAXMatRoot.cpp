@@ -16,11 +16,10 @@ bool IsOfThickness(const ZAXMatMaterial* material, double thickness)
     return std::abs(material->GetThickness() - thickness) < 0.001;
 }
 
-/// The first material anywhere under \a root that \a isWanted accepts; null when there is none.
+/// The first of \a materials that \a isWanted accepts; null when there is none.
 template <typename Predicate>
-ZAXMatMaterial* FindMaterial(const ZAXMatRoot& root, Predicate isWanted)
+ZAXMatMaterial* FindMaterial(const QList<ZAXMatMaterial*>& materials, Predicate isWanted)
 {
-    const QList<ZAXMatMaterial*> materials = ZAXMatFeatures::Only<ZAXMatMaterial>(root.GetAllChildren());
     const auto found = std::ranges::find_if(materials, isWanted);
     return found == materials.end() ? nullptr : *found;
 }
@@ -37,6 +36,16 @@ ZAXMatRootPrivate::ZAXMatRootPrivate(ZAXMatRoot* root) : q_ptr(root)
         if (auto* const material = qobject_cast<ZAXMatMaterial*>(child))
             emit root->MaterialAdded(material);
     });
+}
+
+const QList<ZAXMatMaterial*>& ZAXMatRootPrivate::AllMaterials() const
+{
+    const QList<ZAXFeatObject*> allChildren = q_ptr->GetAllChildren();
+    if (allChildren.constData() != m_allChildren.constData()) {
+        m_allMaterials = ZAXMatFeatures::Only<ZAXMatMaterial>(allChildren);
+        m_allChildren = allChildren;
+    }
+    return m_allMaterials;
 }
 
 ZAXMatRoot::ZAXMatRoot(ZAXFeatContainer* container)
@@ -64,16 +73,16 @@ QList<ZAXMatMaterial*> ZAXMatRoot::GetMaterials() const
 ZAXMatMaterial* ZAXMatRoot::GetMaterial(const QByteArray& providerId, const QByteArray& remoteKey,
                                         double thickness) const
 {
-    return FindMaterial(*this, [&](const ZAXMatMaterial* material) {
-        return material->GetProviderId() == providerId && material->GetRemoteKey() == remoteKey &&
-               IsOfThickness(material, thickness);
+    return FindMaterial(d_ptr->AllMaterials(), [&](const ZAXMatMaterial* material) {
+        return IsOfThickness(material, thickness) && material->GetRemoteKey() == remoteKey &&
+               material->GetProviderId() == providerId;
     });
 }
 
 ZAXMatMaterial* ZAXMatRoot::GetMaterial(const QString& materialType, double thickness) const
 {
-    return FindMaterial(*this, [&](const ZAXMatMaterial* material) {
-        return material->GetMaterialType() == materialType && IsOfThickness(material, thickness);
+    return FindMaterial(d_ptr->AllMaterials(), [&](const ZAXMatMaterial* material) {
+        return IsOfThickness(material, thickness) && material->GetMaterialType() == materialType;
     });
 }
 

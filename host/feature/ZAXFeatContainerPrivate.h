@@ -28,6 +28,8 @@ public:
     QMultiHash<quint64, ZAXFeatObjectPropertyBase*> unavailable;
     /// Not owned; may be null.
     ZAXFeatChangeObserver* observer = nullptr;
+    /// Grows when a feature gets a place in the tree, loses it, or begins to be destroyed. Never 0.
+    quint64 treeVersion = 1;
     /// How many signals about changes are being raised, one within another.
     int signalDepth = 0;
     /// How many changes of features and steps are open. A feature that is removed meanwhile may still be at work.

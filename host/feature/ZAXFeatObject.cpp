@@ -82,6 +82,8 @@ ZAXFeatObject::ZAXFeatObject(const ZAXGeoGeometryRef& reference, ZAXGeoContainer
 
 ZAXFeatObject::~ZAXFeatObject()
 {
+    // It is no longer of the class that it was.
+    d_ptr->TreeChanged();
     if (auto* const observer = d_ptr->Observer(); observer && !d_ptr->isAside)
         observer->Destroyed(this);
     for (const ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
@@ -114,6 +116,8 @@ void ZAXFeatObject::Initialize()
     ZAXGeoGeometry::Initialize();
     if (std::exchange(d_ptr->isInitialized, true))
         return;
+    // It was not yet of the class that it is while it got its place.
+    d_ptr->TreeChanged();
     for (ZAXFeatValuePropertyBase* property : std::as_const(d_ptr->initializations))
         property->InitializeValue();
     InitializeNonStreamed();
@@ -238,9 +242,7 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetChildren() const
 
 QList<ZAXFeatObject*> ZAXFeatObject::GetAllChildren() const
 {
-    auto features = d_ptr->Subtree();
-    features.removeFirst();
-    return features;
+    return d_ptr->AllChildren();
 }
 
 QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const

@@ -68,6 +68,7 @@ void ZAXFeatObjectPrivate::AttachTo(ZAXFeatObject* newParent, qsizetype index)
 
 void ZAXFeatObjectPrivate::Insert(ZAXFeatObject* newParent, qsizetype index)
 {
+    TreeChanged();
     parent = newParent;
     if (auto* const siblings = Siblings())
         siblings->insert(index < 0 || index > siblings->size() ? siblings->size() : index, q);
@@ -75,6 +76,7 @@ void ZAXFeatObjectPrivate::Insert(ZAXFeatObject* newParent, qsizetype index)
 
 void ZAXFeatObjectPrivate::Detach()
 {
+    TreeChanged();
     if (auto* const siblings = Siblings()) {
         // Most often it is the last one: features come and go in this order.
         const auto position = siblings->lastIndexOf(q);
@@ -287,9 +289,35 @@ void ZAXFeatObjectPrivate::EndModify()
 QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const
 {
     QList<ZAXFeatObject*> features{q};
-    for (const ZAXFeatObject* child : children)
-        features += Get(*child).Subtree();
+    AppendAllChildren(features);
     return features;
+}
+
+void ZAXFeatObjectPrivate::AppendAllChildren(QList<ZAXFeatObject*>& features) const
+{
+    for (ZAXFeatObject* const child : children) {
+        features.append(child);
+        Get(*child).AppendAllChildren(features);
+    }
+}
+
+QList<ZAXFeatObject*> ZAXFeatObjectPrivate::AllChildren() const
+{
+    if (!parent && container && allChildrenVersion == ZAXFeatContainerPrivate::Get(*container).treeVersion)
+        return allChildren;
+    QList<ZAXFeatObject*> features;
+    AppendAllChildren(features);
+    if (!parent && container) {
+        allChildren = features;
+        allChildrenVersion = ZAXFeatContainerPrivate::Get(*container).treeVersion;
+    }
+    return features;
+}
+
+void ZAXFeatObjectPrivate::TreeChanged()
+{
+    if (container)
+        ++ZAXFeatContainerPrivate::Get(*container).treeVersion;
 }
 
 ZAXFeatObjectPropertyBase* ZAXFeatObjectPrivate::FindPointer(const QSet<const ZAXFeatObject*>& features) const

@@ -72,6 +72,10 @@ public:
 
     /// The feature itself and all below it.
     QList<ZAXFeatObject*> Subtree() const;
+    /// All below the feature. For a feature at the top the list is the same one, shared, until the tree changes.
+    QList<ZAXFeatObject*> AllChildren() const;
+    /// Has AllChildren() be collected anew.
+    void TreeChanged();
     /// Clears every property outside the subtree that points into it, or would but for a placeholder, with
     /// notification.
     void ReleasePointers();
@@ -82,6 +86,9 @@ public:
     /// The parent that raised ChildAdded() for the feature last, and not ChildRemoved() since.
     QPointer<ZAXFeatObject> toldParent;
     QList<ZAXFeatObject*> children;
+    /// What AllChildren() found when the tree had the version.
+    mutable QList<ZAXFeatObject*> allChildren;
+    mutable quint64 allChildrenVersion = 0;
 
     QString label;
     bool isVisible = true;
@@ -107,6 +114,7 @@ public:
     ZAXFeatChangeObserver* Observer() const;
 
 private:
+    void AppendAllChildren(QList<ZAXFeatObject*>& features) const;
     QList<ZAXFeatObject*>* Siblings() const;
     /// AttachTo() for a feature that Detach() took out.
     void Insert(ZAXFeatObject* newParent, qsizetype index);

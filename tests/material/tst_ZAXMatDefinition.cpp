@@ -76,6 +76,9 @@ private slots:
     void removingWhatIsAbsentChangesNothing();
     void schemaAndValuesTakeTheirArgumentsInOppositeOrder();
     void definedExtensionsAndPropertiesAreListed();
+    void anyNumberOfPairsIsKept_data();
+    void anyNumberOfPairsIsKept();
+    void recordsReadAlikeChangeByThemselves();
 
     void changesOfNameAndValuesAreReported_data();
     void changesOfNameAndValuesAreReported();
@@ -114,6 +117,7 @@ private slots:
     void keysOfAsciiComeBackAndOthersDoNot_data();
     void keysOfAsciiComeBackAndOthersDoNot();
     void namesOfPropertiesAndExtensionsAreReadAsLatin1();
+    void namesThatAreTheSameAsLatin1ReadAsTheLastOfThem();
     void aRecordComesBackFromItsJsonForm();
 };
 
@@ -320,6 +324,59 @@ void tst_ZAXMatDefinition::definedExtensionsAndPropertiesAreListed()
     QCOMPARE(Sorted(record.GetDefinedProperties("")), (QList<QByteArray>{"comment", "length"}));
     QCOMPARE(record.GetDefinedProperties("Grain"), QList<QByteArray>{"angle"});
     QCOMPARE(record.GetDefinedProperties("Trim"), QList<QByteArray>());
+}
+
+void tst_ZAXMatDefinition::anyNumberOfPairsIsKept_data()
+{
+    QTest::addColumn<int>("extensions");
+    QTest::addColumn<int>("properties");
+    QTest::newRow("one") << 1 << 1;
+    QTest::newRow("some") << 3 << 16;
+    QTest::newRow("many properties") << 2 << 300;
+    QTest::newRow("many extensions") << 100 << 2;
+}
+
+void tst_ZAXMatDefinition::anyNumberOfPairsIsKept()
+{
+    QFETCH(const int, extensions);
+    QFETCH(const int, properties);
+    const auto name = [](int i) { return QByteArray::number(i * 7919 % 1009); };
+    ZAXMatDefinition record;
+    for (int p = 0; p < properties; ++p) {
+        for (int e = 0; e < extensions; ++e)
+            QVERIFY(!record.SetValue(name(p), 1000 * e + p, name(e)));
+    }
+    QCOMPARE(record.GetDefinedExtensions().size(), extensions);
+    for (int e = 0; e < extensions; ++e) {
+        QCOMPARE(record.GetDefinedProperties(name(e)).size(), properties);
+        for (int p = 0; p < properties; ++p)
+            QCOMPARE(record.GetValue(name(p), name(e)), QVariant(1000 * e + p));
+        QVERIFY(!record.IsDefined("x", name(e)));
+        record.RemoveAllowedProperty(name(e), name(properties / 2));
+        QVERIFY(!record.IsDefined(name(properties / 2), name(e)));
+    }
+    QCOMPARE(record.GetValue(name(0), "x"), QVariant());
+    for (int e = 0; e < extensions; ++e)
+        QCOMPARE(record.GetDefinedProperties(name(e)).size(), properties - 1);
+}
+
+void tst_ZAXMatDefinition::recordsReadAlikeChangeByThemselves()
+{
+    const QJsonValue json = Parse(R"({"properties":{"":{"a":1,"b":2},"Grain":{"angle":90}}})");
+    ZAXMatDefinition one;
+    ZAXMatDefinition other;
+    one.FromJson(json);
+    other.FromJson(json);
+    one.RemoveAllowedProperty("", "a");
+    one.AddAllowedProperty("Aa", "margin");
+    one.SetValue("angle", 45, "Grain");
+    QCOMPARE(one.GetDefinedProperties(""), QList<QByteArray>{"b"});
+    QCOMPARE(Sorted(one.GetDefinedExtensions()), (QList<QByteArray>{"", "Aa", "Grain"}));
+    QCOMPARE(Sorted(other.GetDefinedProperties("")), (QList<QByteArray>{"a", "b"}));
+    QCOMPARE(Sorted(other.GetDefinedExtensions()), (QList<QByteArray>{"", "Grain"}));
+    QCOMPARE(other.GetValue("angle", "Grain"), QVariant(90LL));
+    QCOMPARE(one.GetValue("b"), QVariant(2LL));
+    QCOMPARE(one.GetValue("angle", "Grain"), QVariant(45));
 }
 
 void tst_ZAXMatDefinition::changesOfNameAndValuesAreReported_data()
@@ -815,6 +872,17 @@ void tst_ZAXMatDefinition::namesOfPropertiesAndExtensionsAreReadAsLatin1()
     ZAXMatDefinition record;
     record.FromJson(Parse(R"({"properties":{"ø":{"å":1}}})"));
     QCOMPARE(record.GetValue("\xe5", "\xf8"), QVariant(1LL));
+}
+
+void tst_ZAXMatDefinition::namesThatAreTheSameAsLatin1ReadAsTheLastOfThem()
+{
+    // Neither character is part of Latin-1.
+    ZAXMatDefinition record;
+    record.FromJson(Parse(R"({"properties":{"Grain":{"α":1,"β":2},"γ":{"a":1},"δ":{"b":2}}})"));
+    QCOMPARE(Sorted(record.GetDefinedExtensions()), (QList<QByteArray>{"?", "Grain"}));
+    QCOMPARE(record.GetDefinedProperties("Grain"), QList<QByteArray>{"?"});
+    QCOMPARE(record.GetValue("?", "Grain"), QVariant(2LL));
+    QCOMPARE(record.GetDefinedProperties("?"), QList<QByteArray>{"b"});
 }
 
 void tst_ZAXMatDefinition::aRecordComesBackFromItsJsonForm()

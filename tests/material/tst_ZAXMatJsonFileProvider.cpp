@@ -193,6 +193,8 @@ private slots:
     void noOtherOperationReadsTheFile();
     void aFileOfTheSameTimeIsNotReadAgain();
     void aFileOfAnEarlierTimeIsReadAgain();
+    void aFileOfTheTimeThatQtTakesForNoneIsReadOnce();
+    void aFileBelowASearchPathIsRead();
     void aChangedFileReplacesAllThatWasNotCommitted();
     void aFileThatVanishesLeavesTheCatalogue();
     void aFileThatCannotBeReadLeavesTheCatalogueAndIsReportedOnce();
@@ -631,6 +633,30 @@ void tst_ZAXMatJsonFileProvider::aFileOfAnEarlierTimeIsReadAgain()
     folder.Write(Catalogue({MaterialText("b")}));
     folder.SetTime(time.addMSecs(-1));
     QCOMPARE(provider.GetMaterialKeys(), Keys{"b"});
+}
+
+void tst_ZAXMatJsonFileProvider::aFileOfTheTimeThatQtTakesForNoneIsReadOnce()
+{
+    CatalogueFolder folder;
+    folder.Write(Catalogue({MaterialText("a")}));
+    folder.SetTime(QDateTime::fromMSecsSinceEpoch(0));
+    ZAXMatJsonFileProvider provider(folder.Path());
+    const QByteArray created = provider.CreateMaterial(Text("Steel")).GetKey();
+    QCOMPARE(Sorted(provider.GetMaterialKeys()), Sorted({"a", created}));
+}
+
+void tst_ZAXMatJsonFileProvider::aFileBelowASearchPathIsRead()
+{
+    CatalogueFolder folder;
+    folder.Write(Catalogue({MaterialText("a")}));
+    QDir::setSearchPaths(Text("stock"), {folder.Path()});
+    ZAXMatJsonFileProvider provider(Text("stock:"));
+    QCOMPARE(provider.GetMaterialKeys(), Keys{"a"});
+    const QByteArray created = provider.CreateMaterial(Text("Steel")).GetKey();
+    QCOMPARE(Sorted(provider.GetMaterialKeys()), Sorted({"a", created}));
+    folder.Write(Catalogue({MaterialText("b")}));
+    QCOMPARE(provider.GetMaterialKeys(), Keys{"b"});
+    QDir::setSearchPaths(Text("stock"), {});
 }
 
 void tst_ZAXMatJsonFileProvider::aChangedFileReplacesAllThatWasNotCommitted()

@@ -51,6 +51,7 @@ private slots:
     void materialsAreReadAsProperty();
     void otherChildrenAreNotListed();
     void materialsInFoldersAreFoundAndNotListed();
+    void aLookUpSeesWhatChangedSinceTheLastOne();
 
     void materialIsFoundByOrigin_data();
     void materialIsFoundByOrigin();
@@ -194,6 +195,29 @@ void tst_ZAXMatRoot::otherChildrenAreNotListed()
     ZAXMatMaterial* const material = document.CreateMaterial();
     document.Create<ZAXFeatFolder>(document.root);
     QCOMPARE(document.root->GetMaterials(), QList{material});
+}
+
+void tst_ZAXMatRoot::aLookUpSeesWhatChangedSinceTheLastOne()
+{
+    ZAXTestDocument document;
+    const auto find = [&] { return document.root->GetMaterial(Text("Generic"), 0.5); };
+    auto* const folder = document.Create<ZAXFeatFolder>(document.root);
+    QVERIFY(!find());
+    auto* const inFolder = document.Create<ZAXMatMaterial>(folder);
+    QCOMPARE(find(), inFolder);
+    auto* const first = document.CreateMaterial();
+    QVERIFY(first->MoveTo(document.root, 0));
+    QCOMPARE(find(), first);
+    first->SetThickness(2);
+    QCOMPARE(find(), inFolder);
+    first->SetThickness(0.5);
+    QCOMPARE(find(), first);
+    QVERIFY(first->MoveTo(folder, -1));
+    QCOMPARE(find(), inFolder);
+    inFolder->Remove();
+    QCOMPARE(find(), first);
+    delete first;
+    QVERIFY(!find());
 }
 
 void tst_ZAXMatRoot::materialsInFoldersAreFoundAndNotListed()
