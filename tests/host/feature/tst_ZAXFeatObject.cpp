@@ -141,6 +141,7 @@ private slots:
     void moveIsRefused();
     void moveOfARemovedFeatureIsRefused();
     void slotMayRemoveTheFeatureThatMoves();
+    void emptyLabelIsStoredAsNone();
 
 private:
     QStringList Journal() { return m_journal->Take(); }
@@ -917,6 +918,14 @@ void tst_ZAXFeatObject::slotMayRemoveTheFeatureThatMoves()
     QCOMPARE(Journal(), Entries("Cleanup D"));
     QCoreApplication::processEvents();
     QCOMPARE(Journal(), Entries("destroyed D"));
+}
+
+void tst_ZAXFeatObject::emptyLabelIsStoredAsNone()
+{
+    const QByteArray before = Part("D")->GetCurrentState();
+    Part("D")->SetLabel(u"x"_qs);
+    Part("D")->SetLabel(u""_qs);
+    QCOMPARE(Part("D")->GetCurrentState(), before);
 }
 
 QTEST_GUILESS_MAIN(tst_ZAXFeatObject)
