@@ -30,6 +30,7 @@ private slots:
     void invalidCopyIsRefused();
     void removeTakesObjectsOut();
     void removeNeedsConsentForWhatIsBelow();
+    void removeSparesTheRoot();
     void removeTakesSeveral();
     void removeOfSomeUnknownRemovesNothing();
     void missingObjectsSurviveEveryCommand();
@@ -358,6 +359,17 @@ void tst_ZaxmatDocumentChanges::removeNeedsConsentForWhatIsBelow()
     QCOMPARE(document.GetBytes(), before);
     QCOMPARE(Document(workshop, "remove", {"@2", "--yes"}).code, 0);
     QCOMPARE(Paths(workshop), (QStringList{"Materials Root", "Materials Root/Steel - 3 mm"}));
+}
+
+void tst_ZaxmatDocumentChanges::removeSparesTheRoot()
+{
+    const Workshop workshop;
+    const JobDocument document(workshop);
+    const QByteArray before = document.GetBytes();
+    const Run run = Document(workshop, "remove", {"@1", "--yes", "--quiet"});
+    QCOMPARE(run.err, "zaxmat: \"Materials Root\" cannot be removed: every document keeps it.\n");
+    QCOMPARE(run.code, 2);
+    QCOMPARE(document.GetBytes(), before);
 }
 
 void tst_ZaxmatDocumentChanges::removeTakesSeveral()

@@ -42,6 +42,9 @@ private slots:
     void recordsThatStandTwiceAreNotWritten();
     void damagedFileIsNeverWritten_data();
     void damagedFileIsNeverWritten();
+    void whatIsThereTwiceIsNotLost_data();
+    void whatIsThereTwiceIsNotLost();
+    void lockLeftBySomebodyElseIsTaken();
     void missingFileIsRefused_data();
     void missingFileIsRefused();
     void permissionsAndLinksStay();
@@ -516,6 +519,45 @@ void tst_ZaxmatEdit::recordsThatStandTwiceAreNotWritten()
                       "Nothing was written. \"zaxmat check\" shows such records.\n");
     QCOMPARE(run.code, 3);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), bytes);
+}
+
+void tst_ZaxmatEdit::whatIsThereTwiceIsNotLost_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("again");
+    QTest::addColumn<QString>("where");
+    QTest::newRow("a record") << QByteArray("{") << QByteArray(R"({"steel-2": {"key": "steel-2"},)")
+                              << "\"steel-2\" twice";
+    QTest::newRow("a value") << QByteArray("\"thickness\":") << QByteArray("\"thickness\": 7, \"thickness\":")
+                             << "\"thickness\" twice";
+}
+
+void tst_ZaxmatEdit::whatIsThereTwiceIsNotLost()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, again);
+    QFETCH(QString, where);
+    Workshop workshop;
+    QByteArray bytes = Workshop::Read(Filled(workshop).CatalogueFile());
+    bytes.replace(bytes.indexOf(before), before.size(), again);
+    Workshop::Write(workshop.CatalogueFile(), bytes);
+    const Run run = workshop.Zaxmat({"set", "steel-3", "comment=x"});
+    QVERIFY2(run.err.contains(where), qUtf8Printable(run.err));
+    QVERIFY(run.err.contains("\"zaxmat check\" tells more."));
+    QCOMPARE(run.code, 3);
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), bytes);
+}
+
+void tst_ZaxmatEdit::lockLeftBySomebodyElseIsTaken()
+{
+    Workshop workshop;
+    const QString lock = Filled(workshop).CatalogueFile() + ".lock";
+    Workshop::Write(lock, "1\nzaxmat\nelsewhere\n");
+    QFile::setPermissions(lock, QFile::ReadOwner);
+    const Run run = workshop.ZaxmatThrough(Workshop::AsOrdinaryUser(), {"set", "steel-3", "comment=x"});
+    QCOMPARE(run.err, "");
+    QCOMPARE(run.code, 0);
+    QVERIFY(!QFile::exists(lock));
 }
 
 void tst_ZaxmatEdit::damagedFileIsNeverWritten_data()

@@ -47,6 +47,8 @@ void tst_ZaxmatFind::findsByValues_data()
     row("one fits, one does not", {"thickness=2mm", "materialType=PMMA"}, "");
     row("a range", {"thickness=1..3"}, "steel-2 steel-3");
     row("a range with units", {"thickness=0.2 cm..0.5in"}, "acrylic-12.7 steel-2 steel-3");
+    row("a range with one unit for both", {"thickness=0.4..0.6 in"}, "acrylic-12.7");
+    row("from with a unit", {"thickness=0.4 in.."}, "acrylic-12.7");
     row("from", {"thickness=3.."}, "acrylic-12.7 steel-3");
     row("up to", {"thickness=..2"}, "steel-2");
     row("a range of numbers", {"cost=31..48"}, "steel-2-small steel-3-small");

@@ -13,6 +13,8 @@ class tst_ZaxmatImport : public QObject
 private slots:
     void exportsMaterialsWithTheirStockForms();
     void exportReplacesAFileButNotTheCatalogue();
+    void exportSparesCataloguesAndDocuments_data();
+    void exportSparesCataloguesAndDocuments();
     void exportFailsWhereItCannotWrite();
     void exportThenImportIsTheIdentity_data();
     void exportThenImportIsTheIdentity();
@@ -137,6 +139,27 @@ void tst_ZaxmatImport::exportReplacesAFileButNotTheCatalogue()
     QCOMPARE(workshop.Zaxmat({"export", workshop.CatalogueFile()}).code, 2);
     QCOMPARE(workshop.Zaxmat({"export", workshop.Path("link")}).code, 2);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), before);
+}
+
+void tst_ZaxmatImport::exportSparesCataloguesAndDocuments_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("a catalogue") << QByteArray("{\n}\n");
+    QTest::newRow("a catalogue with a byte order mark") << QByteArray("\xEF\xBB\xBF{}");
+    QTest::newRow("a document") << QByteArray("\x89ZAX\r\n\x1a\n and more");
+}
+
+void tst_ZaxmatImport::exportSparesCataloguesAndDocuments()
+{
+    QFETCH(QByteArray, bytes);
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const QString path = workshop.Path("precious");
+    Workshop::Write(path, bytes);
+    const Run run = workshop.Zaxmat({"export", path});
+    QCOMPARE(run.err, "zaxmat: \"" + path + "\" is a catalogue or a document. Name another file.\n");
+    QCOMPARE(run.code, 2);
+    QCOMPARE(Workshop::Read(path), bytes);
 }
 
 void tst_ZaxmatImport::exportFailsWhereItCannotWrite()

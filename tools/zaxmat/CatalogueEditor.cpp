@@ -1,6 +1,7 @@
 #include "CatalogueEditor.h"
 
 #include "Failure.h"
+#include "JsonText.h"
 #include "RecordDifference.h"
 #include "Text.h"
 
@@ -52,6 +53,23 @@ ZAXMatDefinition RecordIn(const QJsonObject& root, ZAXMatDefinition::Type type, 
             return record.ToDefinition();
     }
     return {};
+}
+
+/// Of members with the same name only the last one is read, and only that would be written again.
+/// \throws Failure (FileFailure) when \a bytes have some.
+void RequireNothingTwice(const QString& path, const QByteArray& bytes)
+{
+    const JsonText text = ParseJsonText(bytes);
+    const JsonMember* const repeated = text.error ? nullptr : FindRepeatedMember(text.root);
+    if (!repeated)
+        return;
+    const TextPosition position = TextPositions(bytes).At(repeated->nameBegin);
+    throw Failure(
+        ExitCode::FileFailure,
+        Text::tr("The catalogue %1 holds %2 twice (line %3, column %4), and writing it would lose one of them. "
+                 "Nothing was written. \"zaxmat check\" tells more.")
+            .arg(QuotedPath(path), Quoted(repeated->name), QString::number(position.line),
+                 QString::number(position.column)));
 }
 
 CommitResult CountEdits(const QList<RecordEdit>& edits)
@@ -149,6 +167,7 @@ CommitResult CatalogueEditor::Commit()
     CommitResult result = CountEdits(changes);
     if (changes.isEmpty())
         return result;
+    RequireNothingTwice(m_path, m_bytes);
     if (m_beforeCommit)
         m_beforeCommit();
     const auto theirs = ReadTheirs();

@@ -55,7 +55,15 @@ std::optional<double> NumberOf(const QString& text, std::optional<ZAXSysQuantity
     return ok ? std::optional(number) : std::nullopt;
 }
 
-/// The range, or the one number, that \a text stands for.
+/// What follows the number in \a text, with its space: " in" of "0.5 in".
+QString UnitOf(const QString& text)
+{
+    static const QRegularExpression number(QLatin1String(R"(^[+-]?[0-9.,]*([eE][+-]?[0-9]+)?)"));
+    return text.sliced(number.match(text).capturedLength());
+}
+
+/// The range, or the one number, that \a text stands for. A unit that stands only behind the upper bound is that of the
+/// lower one too.
 std::optional<Range> RangeOf(const QString& text, std::optional<ZAXSysQuantity> quantity)
 {
     const qsizetype points = text.indexOf(QLatin1String(".."));
@@ -63,8 +71,10 @@ std::optional<Range> RangeOf(const QString& text, std::optional<ZAXSysQuantity> 
         const auto number = NumberOf(text, quantity);
         return number ? std::optional(Range{*number, *number}) : std::nullopt;
     }
-    const QString from = text.first(points).trimmed();
+    QString from = text.first(points).trimmed();
     const QString to = text.sliced(points + 2).trimmed();
+    if (!from.isEmpty() && UnitOf(from).isEmpty())
+        from += UnitOf(to);
     const auto low = NumberOf(from, quantity);
     const auto high = NumberOf(to, quantity);
     if ((from.isEmpty() && to.isEmpty()) || (!low && !from.isEmpty()) || (!high && !to.isEmpty()))

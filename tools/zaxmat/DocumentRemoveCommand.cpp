@@ -28,6 +28,9 @@ QString PathLines(const QList<ZAXFeatObject*>& objects)
 /// \throws Failure (WrongUsage) unless \a object may be removed, with what is below it only if that \a isConfirmed.
 void RequireRemovable(const ZAXFeatObject& object, bool isConfirmed)
 {
+    if (!object.IsUserDeletable() && object.GetAllDependents().isEmpty())
+        throw Failure(ExitCode::WrongUsage,
+                      Text::tr("%1 cannot be removed: every document keeps it.").arg(Quoted(ObjectPath(object))));
     if (!object.IsUserDeletable()) {
         throw Failure(ExitCode::WrongUsage, Text::tr("%1 cannot be removed. These objects need it:\n%2")
                                                 .arg(Quoted(ObjectPath(object)), PathLines(object.GetAllDependents())));

@@ -11,6 +11,7 @@
 
 #include "ZAXHostFileSaver.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QMultiHash>
 
@@ -124,12 +125,28 @@ QByteArray ToCsv(const QList<ZAXMatDefinition>& records)
     return csv;
 }
 
+/// Whether \a path is a file that a slip of the hand must not cost: a catalogue or a document.
+bool IsPrecious(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    QByteArray start = file.read(64);
+    const bool isDocument = start.startsWith("\x89ZAX");
+    if (start.startsWith("\xEF\xBB\xBF"))
+        start.remove(0, 3);
+    return isDocument || start.trimmed().startsWith('{');
+}
+
 void RequireOtherFile(const QString& path, const Catalogue& catalogue)
 {
     const QString target = ZAXHostFileSaver::TargetOf(path);
     if (QFileInfo(target) == QFileInfo(ZAXHostFileSaver::TargetOf(catalogue.GetFilePath())))
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 is the catalogue itself. Name another file.").arg(QuotedPath(path)));
+    if (IsPrecious(target))
+        throw Failure(ExitCode::WrongUsage,
+                      Text::tr("%1 is a catalogue or a document. Name another file.").arg(QuotedPath(path)));
 }
 
 } // namespace
@@ -155,7 +172,8 @@ void AddExportCommand(CLI::App& program, Action& chosen)
         program.add_subcommand("export", Utf8(Text::tr("Writes a catalogue into a CSV file, for \"import\".")));
     const auto options = std::make_shared<ExportOptions>();
     AddText(*command, QLatin1String("FILE"), QString(),
-            Text::tr("The CSV file to write. One that is there is replaced."), options->file)
+            Text::tr("The CSV file to write. One that is there is replaced, but no catalogue and no document."),
+            options->file)
         ->required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat export prices.csv --catalogue examples/catalogue"));

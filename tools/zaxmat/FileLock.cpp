@@ -87,6 +87,9 @@ FileLock::~FileLock()
 bool FileLock::TryLock()
 {
     m_file = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    // A file that a process of somebody else left behind can be locked, though not be written.
+    if (m_file < 0 && errno == EACCES)
+        m_file = open(m_lockPath.constData(), O_RDONLY | O_CLOEXEC);
     if (m_file < 0)
         throw CannotLock(m_lockPath, errno);
     // Somebody who gave the lock back may have removed the file since it was opened.

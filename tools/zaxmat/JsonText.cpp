@@ -2,6 +2,8 @@
 
 #include "Text.h"
 
+#include <QSet>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -239,6 +241,23 @@ JsonText ParseJsonText(const QByteArray& bytes)
     if (!text.error)
         text.error = QtError(bytes);
     return text;
+}
+
+const JsonMember* FindRepeatedMember(const JsonNode& node)
+{
+    QSet<QString> names;
+    for (const JsonMember& member : node.members) {
+        if (names.contains(member.name))
+            return &member;
+        names.insert(member.name);
+        if (const JsonMember* const repeated = FindRepeatedMember(member.value))
+            return repeated;
+    }
+    for (const JsonNode& item : node.items) {
+        if (const JsonMember* const repeated = FindRepeatedMember(item))
+            return repeated;
+    }
+    return nullptr;
 }
 
 TextPositions::TextPositions(const QByteArray& bytes) : m_bytes(bytes), m_lineStarts{0}

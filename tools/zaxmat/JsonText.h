@@ -81,6 +81,9 @@ struct JsonText
 /// Parses UTF-8, with or without a byte order mark. Objects and arrays nest at most 1024 deep.
 JsonText ParseJsonText(const QByteArray& bytes);
 
+/// The first member in \a node, or below it, whose name its object has twice; null when there is none.
+const JsonMember* FindRepeatedMember(const JsonNode& node);
+
 /// A place in a text, counted from 1 as editors do. The column counts UTF-16 units.
 struct TextPosition
 {
