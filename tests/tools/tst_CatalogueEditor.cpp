@@ -1,5 +1,6 @@
 #include "CatalogueEditor.h"
 #include "Failure.h"
+#include "FileReplacement.h"
 #include "RecordMerge.h"
 #include "Schema.h"
 #include "Workshop.h"
@@ -7,7 +8,9 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
+#include <QSaveFile>
 #include <QTest>
+#include <QThread>
 
 using namespace zaxmat;
 
@@ -27,6 +30,8 @@ private slots:
     void damagedMeanwhileIsRefused();
     void removedMeanwhileIsRefused();
     void madeMeanwhileIsMerged();
+    void writerWithoutALockLosesNothing();
+    void mendedFileIsNotPutOverAChange();
     void nothingStagedIsNothingWritten();
     void theLastStateOfARecordCounts();
     void theLockKeepsOthersOut();
@@ -249,6 +254,51 @@ void tst_CatalogueEditor::madeMeanwhileIsMerged()
     editor.SetRecord(Record(A("ours")));
     QVERIFY(editor.Commit().isMerged);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), Text({A("ours"), B("theirs")}));
+}
+
+void tst_CatalogueEditor::writerWithoutALockLosesNothing()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue({B("0")});
+    constexpr int last = 300;
+    // As the application does: it knows of no lock, and what it has not read it does not keep.
+    const std::unique_ptr<QThread> application(QThread::create([&] {
+        for (int i = 1; i <= last; ++i) {
+            QSaveFile file(workshop.CatalogueFile());
+            if (file.open(QIODevice::WriteOnly)) {
+                file.write(Text({B(QByteArray::number(i))}));
+                file.commit();
+            }
+        }
+    }));
+    application->start();
+    for (int i = 0; !application->isFinished(); ++i) {
+        try {
+            CatalogueEditor editor(OptionsOf(workshop));
+            editor.SetRecord(Record(A(QByteArray::number(i))));
+            editor.Commit();
+        } catch (const Failure&) {
+            // Changed again and again, or by both.
+        }
+    }
+    application->wait();
+    const QJsonObject root = QJsonDocument::fromJson(Workshop::Read(workshop.CatalogueFile())).object();
+    QCOMPARE(root["b"], QJsonDocument::fromJson(Text({B(QByteArray::number(last))})).object()["b"]);
+}
+
+void tst_CatalogueEditor::mendedFileIsNotPutOverAChange()
+{
+    const Workshop workshop;
+    Workshop::Write(workshop.CatalogueFile(), "before");
+    const auto replace = [&] {
+        ReplaceCatalogueFile(workshop.CatalogueFile(), "before", "after",
+                             [&] { Workshop::Write(workshop.CatalogueFile(), "theirs"); });
+    };
+    QVERIFY(MessageOf(replace, ExitCode::FileChanged).contains("meanwhile"));
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), QByteArray("theirs"));
+    QCOMPARE(QDir(workshop.CatalogueFolder()).entryList(QDir::Files | QDir::Hidden), QStringList("materials.json"));
+    ReplaceCatalogueFile(workshop.CatalogueFile(), "theirs", "after");
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), QByteArray("after"));
 }
 
 void tst_CatalogueEditor::nothingStagedIsNothingWritten()

@@ -1,5 +1,6 @@
 #include "CatalogueEditor.h"
 
+#include "CautiousFileSystem.h"
 #include "Failure.h"
 #include "JsonText.h"
 #include "RecordDifference.h"
@@ -90,9 +91,9 @@ CommitResult CountEdits(const QList<RecordEdit>& edits)
 } // namespace
 
 CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, MissingFile missing,
-                                 std::function<void()> beforeCommit)
+                                 std::function<void()> beforeReplacing)
     : m_path(EditablePath(options, missing)),
-      m_beforeCommit(std::move(beforeCommit)),
+      m_beforeReplacing(std::move(beforeReplacing)),
       m_lock(ZAXHostFileSaver::TargetOf(m_path), patience),
       m_isNew(missing == MissingFile::Create && !QFileInfo::exists(m_path)),
       m_bytes(m_isNew ? QByteArray() : ReadCatalogueFile(m_path)),
@@ -140,13 +141,11 @@ QList<RecordEdit> CatalogueEditor::Changes() const
     return changes;
 }
 
-std::optional<QJsonObject> CatalogueEditor::ReadTheirs() const
+std::optional<QByteArray> CatalogueEditor::ReadPresent() const
 {
-    const bool isThere = QFileInfo::exists(m_path);
-    const QByteArray bytes = isThere || !m_isNew ? ReadCatalogueFile(m_path) : QByteArray();
-    if (isThere != m_isNew && bytes == m_bytes)
+    if (m_isNew && !QFileInfo::exists(m_path))
         return std::nullopt;
-    return ParseCatalogue(m_path, bytes);
+    return ReadCatalogueFile(m_path);
 }
 
 QJsonObject CatalogueEditor::Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const
@@ -168,18 +167,39 @@ CommitResult CatalogueEditor::Commit()
     if (changes.isEmpty())
         return result;
     RequireNothingTwice(m_path, m_bytes);
-    if (m_beforeCommit)
-        m_beforeCommit();
-    const auto theirs = ReadTheirs();
-    result.isMerged = theirs.has_value();
-    const QByteArray text = ToText(theirs ? Merged(changes, *theirs) : Edited(m_root, changes));
-    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(m_path, text); !saved) {
+    // Whoever writes without a lock may do so while this is writing: then it begins anew.
+    constexpr int tries = 10;
+    for (int i = 0; i < tries; ++i) {
+        const auto present = ReadPresent();
+        result.isMerged = present.has_value() && (m_isNew || *present != m_bytes);
+        if (TryCommit(changes, present, result.isMerged)) {
+            result.isWritten = true;
+            return result;
+        }
+    }
+    throw Failure(ExitCode::FileChanged,
+                  Text::tr("The catalogue %1 is changed by somebody else again and again. Nothing was written; try "
+                           "again.")
+                      .arg(QuotedPath(m_path)));
+}
+
+bool CatalogueEditor::TryCommit(const QList<RecordEdit>& changes, const std::optional<QByteArray>& present,
+                                bool isMerged)
+{
+    if (isMerged)
+        RequireNothingTwice(m_path, *present);
+    const QByteArray text =
+        ToText(isMerged ? Merged(changes, ParseCatalogue(m_path, *present)) : Edited(m_root, changes));
+    CautiousFileSystem system(present, text, std::exchange(m_beforeReplacing, {}));
+    const ZAXHostResult saved = ZAXHostFileSaver::Save(m_path, text, system);
+    if (system.HasFoundChange())
+        return false;
+    if (!saved) {
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The catalogue %1 cannot be written: %2.").arg(QuotedPath(m_path), saved.GetMessage()));
     }
     Verify(changes, text);
-    result.isWritten = true;
-    return result;
+    return true;
 }
 
 void CatalogueEditor::Verify(const QList<RecordEdit>& changes, const QByteArray& text) const

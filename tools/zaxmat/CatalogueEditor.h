@@ -39,11 +39,11 @@ public:
         Create,
     };
 
-    /// Locks the catalogue, waiting up to a minute for others, and reads it. \a beforeCommit is called by Commit()
-    /// before that looks at the file, for tests in which somebody else writes meanwhile.
+    /// Locks the catalogue, waiting up to a minute for others, and reads it. \a beforeReplacing is called by
+    /// Commit() once, just before it replaces the file, for tests in which somebody else writes meanwhile.
     /// \throws Failure (FileFailure) when it stays locked, and for a file that Catalogue does not take.
     explicit CatalogueEditor(const CatalogueOptions& options, MissingFile missing = MissingFile::Refuse,
-                             std::function<void()> beforeCommit = {});
+                             std::function<void()> beforeReplacing = {});
     ~CatalogueEditor();
     CatalogueEditor(const CatalogueEditor&) = delete;
     CatalogueEditor& operator=(const CatalogueEditor&) = delete;
@@ -71,14 +71,17 @@ private:
     void Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after);
     /// What was collected and is a change.
     QList<RecordEdit> Changes() const;
-    /// What the file holds now; nothing when that is what was read.
-    std::optional<QJsonObject> ReadTheirs() const;
+    /// What the file holds now; nothing when it was not there and is not there yet.
+    std::optional<QByteArray> ReadPresent() const;
+    /// Writes the \a changes into the file, as long as that holds \a present; false when it does not any more.
+    /// \a isMerged says that this is not what was read.
+    bool TryCommit(const QList<RecordEdit>& changes, const std::optional<QByteArray>& present, bool isMerged);
     QJsonObject Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const;
     /// \throws Failure unless the file holds \a text and that the \a changes.
     void Verify(const QList<RecordEdit>& changes, const QByteArray& text) const;
 
     QString m_path;
-    std::function<void()> m_beforeCommit;
+    std::function<void()> m_beforeReplacing;
     FileLock m_lock;
     bool m_isNew;
     QByteArray m_bytes;

@@ -1,6 +1,7 @@
 #include "FileReplacement.h"
 
 #include "CatalogueFile.h"
+#include "CautiousFileSystem.h"
 #include "Failure.h"
 #include "Text.h"
 
@@ -8,6 +9,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+
+#include <unistd.h>
 
 namespace zaxmat {
 
@@ -33,7 +36,7 @@ QString KeepCopy(const QString& path, const QByteArray& bytes)
     if (!copy.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         throw Unwritable(copy.fileName(), copy.errorString());
     copy.setPermissions(QFile::permissions(path));
-    const bool isWritten = copy.write(bytes) == bytes.size() && copy.flush();
+    const bool isWritten = copy.write(bytes) == bytes.size() && copy.flush() && fsync(copy.handle()) == 0;
     const QString reason = copy.errorString();
     copy.close();
     if (!isWritten) {
@@ -45,13 +48,16 @@ QString KeepCopy(const QString& path, const QByteArray& bytes)
     return copy.fileName();
 }
 
-void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes)
+void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes,
+                          const std::function<void()>& beforeReplacing)
 {
-    if (ReadCatalogueFile(path) != before)
+    CautiousFileSystem system(before, bytes, beforeReplacing);
+    const ZAXHostResult saved = ZAXHostFileSaver::Save(path, bytes, system);
+    if (system.HasFoundChange())
         throw Failure(ExitCode::FileChanged,
                       Text::tr("Somebody else changed the catalogue %1 meanwhile. Nothing was written; try again.")
                           .arg(QuotedPath(path)));
-    if (const ZAXHostResult saved = ZAXHostFileSaver::Save(path, bytes); !saved)
+    if (!saved)
         throw Unwritable(path, saved.GetMessage());
     if (ReadCatalogueFile(path) != bytes)
         throw Failure(ExitCode::FileFailure,

@@ -4,6 +4,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 namespace zaxmat {
 
 /// A new file beside \a path that holds \a bytes, "materials.json.bak" or, where that is taken, "materials.json.bak2"
@@ -13,8 +15,9 @@ QString KeepCopy(const QString& path, const QByteArray& bytes);
 
 /// Makes \a bytes the contents of the file \a path, which holds \a before: it is replaced as a whole, and read back.
 /// Its permissions stay. \throws Failure when it holds something else by now (FileChanged), or cannot be written
-/// (FileFailure).
-void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes);
+/// (FileFailure). \a beforeReplacing is called just before it is replaced, for tests in which somebody else writes.
+void ReplaceCatalogueFile(const QString& path, const QByteArray& before, const QByteArray& bytes,
+                          const std::function<void()>& beforeReplacing = {});
 
 } // namespace zaxmat
 
