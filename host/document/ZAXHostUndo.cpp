@@ -250,7 +250,7 @@ ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
 
 void ZAXHostUndoPrivate::Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction, bool stay)
 {
-    const auto opposite = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
+    const auto statesOf = stay ? direction : ZAXHostUndoStep::Opposite(direction);
     // What is taken back is told about as well, which may set slots off anew. They do not go on for ever.
     constexpr int loudRounds = 8;
     bool isInPlace = stay;
@@ -263,7 +263,7 @@ void ZAXHostUndoPrivate::Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Di
             step.Settle(*container, direction, stay, voice, done);
         isInPlace = true;
         Discard(slotChanges.Keeps(ZAXHostUndoStep::Back));
-        const bool isStepSettled = !step.SettleStates(*container, stay ? direction : opposite, voice);
+        const bool isStepSettled = !step.SettleStates(*container, statesOf, voice);
         const bool areOthersSettled = !takenBack.SettleStates(*container, ZAXHostUndoStep::Back, voice);
         if (foreign.IsEmpty() && isStepSettled && areOthersSettled)
             return;
@@ -278,8 +278,7 @@ QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep
     } catch (const std::exception& exception) {
         const QString message = QString::fromUtf8(exception.what());
         Settle(step, direction, false);
-        const auto opposite = direction == ZAXHostUndoStep::Forth ? ZAXHostUndoStep::Back : ZAXHostUndoStep::Forth;
-        if (!step.IsRestored(*container, opposite))
+        if (!step.IsRestored(*container, ZAXHostUndoStep::Opposite(direction)))
             stack.resetClean();
         return message.isEmpty() ? Tr("A change cannot be taken back.") : message;
     }

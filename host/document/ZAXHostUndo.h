@@ -42,7 +42,8 @@ public:
 
     /// Takes the last step back; done, and nothing happens, when there is none. Fails as well when a feature does
     /// not take its former state: the document and the stack are then as before. Should a feature not take that state
-    /// back either, the document counts as changed until it is saved.
+    /// back either, the document counts as changed until it is saved. What a slot of the stack throws passes through,
+    /// when all is done.
     ZAXHostResult Undo();
     /// Does again what Undo() took back last; done, and nothing happens, when there is nothing to.
     ZAXHostResult Redo();

@@ -265,8 +265,7 @@ void ZAXHostUndoStep::Settle(ZAXFeatContainer& container, Direction direction, b
     }
     if (voice == Aloud)
         placer.TellOfDepartures();
-    const Direction opposite = direction == Forth ? Back : Forth;
-    SettleStates(container, stay ? direction : opposite, voice);
+    SettleStates(container, stay ? direction : Opposite(direction), voice);
     if (voice == Aloud)
         placer.TellOfArrivals();
 }

@@ -34,6 +34,7 @@ public:
         Back,
         Forth
     };
+    static Direction Opposite(Direction direction) { return direction == Forth ? Back : Forth; }
     enum Voice
     {
         Aloud,
