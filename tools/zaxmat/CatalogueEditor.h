@@ -63,8 +63,10 @@ public:
 
     /// Writes what was collected: looks whether the file still holds what was read and otherwise merges record by
     /// record, replaces it, reads it again and compares. Nothing is written when nothing is changed.
-    /// \throws Failure (FileChanged) when somebody else changed one of the same records meanwhile, nothing being
-    /// written; (FileFailure) when the file cannot be written, or does not hold afterwards what it should.
+    /// Somebody else's change while it is being replaced makes it begin anew.
+    /// \throws Failure (FileChanged) when somebody else changed one of the same records meanwhile, or goes on changing
+    /// the file, nothing being written; (FileFailure) when the file holds a member twice, cannot be written, or does
+    /// not hold afterwards what it should.
     CommitResult Commit();
 
 private:
