@@ -1,6 +1,7 @@
 #include "CatalogueEditor.h"
 #include "Failure.h"
 #include "FileReplacement.h"
+#include "Output.h"
 #include "RecordMerge.h"
 #include "Schema.h"
 #include "Workshop.h"
@@ -59,10 +60,16 @@ CatalogueOptions OptionsOf(const Workshop& workshop)
     return {workshop.CatalogueFolder()};
 }
 
+const Output& Quiet()
+{
+    static const Output output({.isQuiet = true});
+    return output;
+}
+
 /// Reads the catalogue, has \a ours change it and, before that is written, \a theirs the file.
 CommitResult Edit(const Workshop& workshop, const std::function<void(CatalogueEditor&)>& ours, const QByteArray& theirs)
 {
-    CatalogueEditor editor(OptionsOf(workshop), CatalogueEditor::MissingFile::Refuse,
+    CatalogueEditor editor(OptionsOf(workshop), Quiet(), CatalogueEditor::MissingFile::Refuse,
                            [&] { Workshop::Write(workshop.CatalogueFile(), theirs); });
     ours(editor);
     return editor.Commit();
@@ -238,7 +245,7 @@ void tst_CatalogueEditor::removedMeanwhileIsRefused()
 {
     const Workshop workshop;
     workshop.WriteCatalogue({A("0")});
-    CatalogueEditor editor(OptionsOf(workshop), CatalogueEditor::MissingFile::Refuse,
+    CatalogueEditor editor(OptionsOf(workshop), Quiet(), CatalogueEditor::MissingFile::Refuse,
                            [&] { QFile::remove(workshop.CatalogueFile()); });
     editor.SetRecord(Record(A("ours")));
     QVERIFY(MessageOf([&] { editor.Commit(); }, ExitCode::FileFailure).contains("cannot be read"));
@@ -248,7 +255,7 @@ void tst_CatalogueEditor::removedMeanwhileIsRefused()
 void tst_CatalogueEditor::madeMeanwhileIsMerged()
 {
     const Workshop workshop;
-    CatalogueEditor editor(OptionsOf(workshop), CatalogueEditor::MissingFile::Create,
+    CatalogueEditor editor(OptionsOf(workshop), Quiet(), CatalogueEditor::MissingFile::Create,
                            [&] { Workshop::Write(workshop.CatalogueFile(), Text({B("theirs")})); });
     QVERIFY(editor.IsNew());
     editor.SetRecord(Record(A("ours")));
@@ -274,7 +281,7 @@ void tst_CatalogueEditor::writerWithoutALockLosesNothing()
     application->start();
     for (int i = 0; !application->isFinished(); ++i) {
         try {
-            CatalogueEditor editor(OptionsOf(workshop));
+            CatalogueEditor editor(OptionsOf(workshop), Quiet());
             editor.SetRecord(Record(A(QByteArray::number(i))));
             editor.Commit();
         } catch (const Failure&) {
@@ -316,7 +323,7 @@ void tst_CatalogueEditor::theLastStateOfARecordCounts()
     const Workshop workshop;
     workshop.WriteCatalogue({A("0"), B("0")});
     {
-        CatalogueEditor editor(OptionsOf(workshop));
+        CatalogueEditor editor(OptionsOf(workshop), Quiet());
         editor.SetRecord(Record(A("first")));
         editor.RemoveRecord(ZAXMatDefinition::Material, "a");
         QVERIFY(!editor.GetRecord(ZAXMatDefinition::Material, "a").IsValid());
@@ -332,9 +339,9 @@ void tst_CatalogueEditor::theLockKeepsOthersOut()
 {
     const Workshop workshop;
     workshop.WriteCatalogue({A("0")});
-    const FileLock lock(workshop.CatalogueFile(), 0);
+    const FileLock lock(workshop.CatalogueFile(), Quiet(), 0);
     const QString message =
-        MessageOf([&] { const FileLock second(workshop.CatalogueFile(), 20); }, ExitCode::FileFailure);
+        MessageOf([&] { const FileLock second(workshop.CatalogueFile(), Quiet(), 20); }, ExitCode::FileFailure);
     QVERIFY2(message.startsWith("\"" + workshop.CatalogueFile() + "\" is locked by process " +
                                 QString::number(QCoreApplication::applicationPid()) + " (tst_CatalogueEditor) on "),
              qUtf8Printable(message));
@@ -346,7 +353,7 @@ void tst_CatalogueEditor::theLockOfADeadProcessIsNone()
     workshop.WriteCatalogue({A("0")});
     Workshop::Write(workshop.CatalogueFile() + ".lock", "1\nsystemd\nelsewhere\n");
     {
-        const FileLock lock(workshop.CatalogueFile(), 0);
+        const FileLock lock(workshop.CatalogueFile(), Quiet(), 0);
     }
     QVERIFY(!QFile::exists(workshop.CatalogueFile() + ".lock"));
 }

@@ -4,8 +4,12 @@
 #include <QJsonDocument>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QRegularExpression>
+#include <QSaveFile>
 #include <QTest>
+#include <QThread>
 
+#include <atomic>
 #include <memory>
 #include <vector>
 
@@ -17,6 +21,8 @@ class tst_ZaxmatConcurrency : public QObject
 private slots:
     void noUpdateOfParallelProcessesIsLost();
     void noUpdateOfOneRecordIsTorn();
+    void aRecordThatSomebodyElseChangesIsAConflict();
+    void noChangeOfOneDocumentIsLost();
     void killedProcessesLeaveTheOldOrTheNewCatalogue();
     void killedAndLivingProcessesLoseNothing();
 };
@@ -124,6 +130,71 @@ void tst_ZaxmatConcurrency::noUpdateOfOneRecordIsTorn()
     QVERIFY(Value(root, KeyOf(0), "comment").toString() != "old");
     QCOMPARE(Value(root, KeyOf(0), "comment").toString(),
              QString::number(Value(root, KeyOf(0), "thickness").toDouble()));
+}
+
+void tst_ZaxmatConcurrency::aRecordThatSomebodyElseChangesIsAConflict()
+{
+    const Workshop workshop;
+    WriteMaterials(workshop, 1);
+    std::atomic<bool> isDone = false;
+    // As the application does, which knows of no lock.
+    const std::unique_ptr<QThread> application(QThread::create([&] {
+        for (int i = 0; !isDone; ++i) {
+            QSaveFile file(workshop.CatalogueFile());
+            const QJsonObject record = Material(KeyOf(0), "Material 0", {{"comment", "theirs " + QString::number(i)}});
+            if (file.open(QIODevice::WriteOnly)) {
+                file.write(QJsonDocument(QJsonObject{{KeyOf(0), record}}).toJson());
+                file.commit();
+            }
+        }
+    }));
+    application->start();
+    constexpr int conflict = 4;
+    int code = 0;
+    QString message;
+    for (int i = 0; i < 500 && code != conflict; ++i) {
+        const auto process = Start(workshop, {"set", KeyOf(0), "comment=ours " + QString::number(i)});
+        process->waitForFinished();
+        code = process->exitCode();
+        message = QString::fromUtf8(process->readAll());
+    }
+    isDone = true;
+    application->wait();
+    QCOMPARE(code, conflict);
+    QVERIFY2(message.contains(QRegularExpression("comment: was \"theirs [0-9]+\", is \"ours [0-9]+\" here and "
+                                                 "\"theirs [0-9]+\" in the file")) ||
+                 message.contains("again and again"),
+             qUtf8Printable(message));
+    QVERIFY(Value(Root(workshop), KeyOf(0), "comment").toString().startsWith("theirs "));
+}
+
+void tst_ZaxmatConcurrency::noChangeOfOneDocumentIsLost()
+{
+    const int count = Sized(20, 200);
+    const Workshop workshop;
+    WriteMaterials(workshop, count);
+    const QString document = workshop.Path("job.zaxdoc");
+    Processes processes;
+    for (int i = 0; i < count; ++i)
+        processes.push_back(Start(workshop, {"use", KeyOf(i), "--document", document}));
+    for (const auto& process : processes)
+        QVERIFY2(IsDone(*process), process->readAll().constData());
+    processes.clear();
+    for (int i = 0; i < count; ++i)
+        processes.push_back(Start(workshop, {"document", "set", document, "Material " + QString::number(i) + " - 1 mm",
+                                             "comment=" + QString::number(i)}));
+    for (const auto& process : processes)
+        QVERIFY2(IsDone(*process), process->readAll().constData());
+    const auto tree = Start(workshop, {"document", "tree", document, "--format", "json"});
+    QVERIFY(IsDone(*tree));
+    QCOMPARE(tree->readAll().count("\"class\": \"ZAXMatMaterial\""), count);
+    for (int i = 0; i < count; ++i) {
+        const QString label = "Material " + QString::number(i) + " - 1 mm";
+        const auto shown = Start(workshop, {"document", "show", document, label});
+        QVERIFY(IsDone(*shown));
+        QVERIFY(QString::fromUtf8(shown->readAll())
+                    .contains(QRegularExpression("\nComment +" + QString::number(i) + "\n")));
+    }
 }
 
 void tst_ZaxmatConcurrency::killedProcessesLeaveTheOldOrTheNewCatalogue()

@@ -83,6 +83,11 @@ void tst_ZaxmatCsv::recognisesTheSeparator_data()
     QTest::newRow("tab before semicolon") << QByteArray("a;b\tc\n") << '\t' << QList<QStringList>{{"a;b", "c"}};
     QTest::newRow("others in quotation marks")
         << QByteArray("\"a;\tb\",c\n") << ',' << QList<QStringList>{{"a;\tb", "c"}};
+    QTest::newRow("told") << QByteArray("sep=,\na;b,c\n") << ',' << QList<QStringList>{{"a;b", "c"}};
+    QTest::newRow("told in quotation marks")
+        << QByteArray("\"SEP=;\"\r\na,b\r\n") << ';' << QList<QStringList>{{"a,b"}};
+    QTest::newRow("tab told") << QByteArray("sep=\t\na,b\n") << '\t' << QList<QStringList>{{"a,b"}};
+    QTest::newRow("a title like it") << QByteArray("sep=x\n1\n") << ',' << QList<QStringList>{{"sep=x"}, {"1"}};
     QTest::newRow("one column") << QByteArray("a\n1\n") << ',' << QList<QStringList>{{"a"}, {"1"}};
 }
 
@@ -105,6 +110,7 @@ void tst_ZaxmatCsv::tellsAnEmptyCellFromAnEmptyText()
 
 void tst_ZaxmatCsv::countsTheLinesOfTheFile()
 {
+    QCOMPARE(ReadCsv("sep=;\r\na\r\n").rows.value(0).line, 2);
     const CsvTable table = ReadCsv("\r\ntitle,b\r\n\r\n\"one\ntwo\r\nthree\",\"x\n\"\r\n\r\nlast,\"y\"\r\n");
     QList<qsizetype> lines;
     std::ranges::transform(table.rows, std::back_inserter(lines), &CsvRow::line);

@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QJsonDocument>
+#include <QProcess>
 #include <QTest>
 
 /// What "zaxmat document set", "duplicate" and "remove" make of a document, and what they refuse.
@@ -40,7 +41,7 @@ private slots:
     void acceptedDamageKeepsACopy();
     void everyAcceptedDamageKeepsItsCopy();
     void acceptedDamageIsNotSavedWithoutItsCopy();
-    void lockedDocumentIsNotChanged_data();
+    void aDocumentInUseIsWaitedFor();
     void lockedDocumentIsNotChanged();
     void documentThatCannotBeWrittenIsReported_data();
     void documentThatCannotBeWrittenIsReported();
@@ -475,7 +476,7 @@ void tst_ZaxmatDocumentChanges::everyAcceptedDamageKeepsItsCopy()
     const QByteArray second = document.GetBytes();
     QCOMPARE(Document(workshop, "set", {"@6", "thickness=4", "--accept-damage"}).code, 0);
     QCOMPARE(Workshop::Read(document.GetPath() + ".damaged"), first);
-    QCOMPARE(Workshop::Read(document.GetPath() + ".damaged-2"), second);
+    QCOMPARE(Workshop::Read(document.GetPath() + ".damaged2"), second);
     QCOMPARE(Document(workshop, "validate").code, 0);
 }
 
@@ -492,20 +493,30 @@ void tst_ZaxmatDocumentChanges::acceptedDamageIsNotSavedWithoutItsCopy()
     QCOMPARE(document.GetBytes(), damaged);
 }
 
-void tst_ZaxmatDocumentChanges::lockedDocumentIsNotChanged_data()
+void tst_ZaxmatDocumentChanges::aDocumentInUseIsWaitedFor()
 {
-    AddChangingCommands();
+    const Workshop workshop;
+    const JobDocument document(workshop);
+    auto open = std::make_unique<ZAXHostDocument>();
+    QVERIFY(open->Open(document.GetPath()));
+    QProcess process;
+    process.setProcessEnvironment(workshop.environment);
+    process.start(QStringLiteral(ZAXMAT_PROGRAM), {"document", "set", document.GetPath(), "@3", "length=2500"});
+    QVERIFY(!process.waitForFinished(500));
+    open.reset();
+    QVERIFY(process.waitForFinished());
+    QCOMPARE(process.exitCode(), 0);
+    QVERIFY(workshop.Zaxmat({"document", "show", document.GetPath(), "@3"}).out.contains("2500 mm"));
 }
 
 void tst_ZaxmatDocumentChanges::lockedDocumentIsNotChanged()
 {
-    QFETCH(QStringList, arguments);
     const Workshop workshop;
     const JobDocument document(workshop);
     const QByteArray before = document.GetBytes();
     ZAXHostDocument open;
     QVERIFY(open.Open(document.GetPath()));
-    const Run run = workshop.Zaxmat(QStringList{"document"} + arguments);
+    const Run run = workshop.Zaxmat({"document", "set", "job ø 1.zaxdoc", "@3", "length=2500"});
     const QString process = QString::number(QCoreApplication::applicationPid());
     QVERIFY2(run.err.startsWith("zaxmat: The document job ø 1.zaxdoc is opened by "), qUtf8Printable(run.err));
     QVERIFY2(run.err.contains(" on " + QSysInfo::machineHostName() + " (process " + process +

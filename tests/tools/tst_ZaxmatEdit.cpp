@@ -16,6 +16,8 @@ private slots:
     void setReadsValues();
     void setRefusesValues_data();
     void setRefusesValues();
+    void aPointIsAlwaysOfDecimals();
+    void materialsThatDocumentsCannotTellApartAreNoted();
     void setTakesAllOrNone();
     void setListsAllInvalidValues();
     void anEmptyValueTakesThePropertyAway();
@@ -185,6 +187,14 @@ void tst_ZaxmatEdit::setRefusesValues_data()
                                 << "cost=inf" << 1 << invalid + "cost: \"inf\" is no number.";
     QTest::newRow("not free") << "steel-2-small"
                               << "cost=-1" << 1 << invalid + "cost: Cost must be a positive, non-zero value.";
+    QTest::newRow("no weight") << "steel-2"
+                               << "density=0" << 1 << invalid + "density: it must be greater than zero";
+    QTest::newRow("perhaps thousands") << "steel-2-small"
+                                       << "length=1,250" << 1
+                                       << invalid + "length: \"1,250\" is ambiguous; write 1250 or 1.25.";
+    QTest::newRow("perhaps thousands with a unit")
+        << "steel-2-small"
+        << "length=1,000 mm" << 1 << invalid + "length: \"1,000 mm\" is ambiguous; write 1000 or 1.0.";
     QTest::newRow("no enumerator") << "steel-2-small"
                                    << "form=Round" << 1 << invalid + "form: \"Round\" is none of Rectangular, Roll.";
     QTest::newRow("no boolean") << "steel-2-small"
@@ -226,6 +236,30 @@ void tst_ZaxmatEdit::setRefusesValues()
     QCOMPARE(run.out, "");
     QCOMPARE(run.code, code);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), before);
+}
+
+void tst_ZaxmatEdit::aPointIsAlwaysOfDecimals()
+{
+    Workshop workshop;
+    QCOMPARE(Filled(workshop).Zaxmat({"set", "steel-2-small", "length=1.250", "width=0,125"}).code, 0);
+    QCOMPARE(Value(workshop, "steel-2-small", "length"), QJsonValue(1.25));
+    QCOMPARE(Value(workshop, "steel-2-small", "width"), QJsonValue(0.125));
+}
+
+void tst_ZaxmatEdit::materialsThatDocumentsCannotTellApartAreNoted()
+{
+    Workshop workshop;
+    Filled(workshop);
+    const QString note =
+        "zaxmat: note: \"%1\" and \"Structural steel\" (%2) are both \"S235JR\" of %3; documents cannot "
+        "tell them apart.\n";
+    QCOMPARE(workshop.Zaxmat({"copy", "steel-2", "Copy", "thickness=4"}).err, "");
+    QCOMPARE(workshop.Zaxmat({"copy", "steel-2", "Copy", "--unit", "in"}).err,
+             note.arg("Copy", "steel-2", "0.0787401575 in"));
+    QCOMPARE(workshop.Zaxmat({"set", "steel-2", "comment=x"}).err, "");
+    QCOMPARE(workshop.Zaxmat({"add", "New", "materialType=S235JR", "thickness=3"}).err,
+             note.arg("New", "steel-3", "3 mm"));
+    QCOMPARE(workshop.Zaxmat({"add", "New", "thickness=3"}).err, "");
 }
 
 void tst_ZaxmatEdit::setTakesAllOrNone()

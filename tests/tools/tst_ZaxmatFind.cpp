@@ -137,6 +137,13 @@ void tst_ZaxmatFind::wrongUsageIsRefused_data()
     QTest::newRow("no range") << QStringList{"cost=1..x"}
                               << "cost: \"1..x\" is no number and no range of numbers. Write 2, \"0.5 in\", 1..3, 1.. "
                                  "or ..3.";
+    QTest::newRow("nothing between") << QStringList{"thickness=3..1"}
+                                     << "thickness: there is nothing in \"3..1\": its first bound is the larger one.";
+    QTest::newRow("nothing between with a unit")
+        << QStringList{"thickness=3..0.1 in"}
+        << "thickness: there is nothing in \"3..0.1 in\": its first bound is the larger one.";
+    QTest::newRow("perhaps thousands") << QStringList{"length=2..1,250"}
+                                       << "length: \"1,250\" is ambiguous; write 1250 or 1.25.";
     QTest::newRow("no boolean") << QStringList{"isActive=2"} << "isActive: \"2\" is neither true nor false.";
 }
 

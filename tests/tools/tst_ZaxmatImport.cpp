@@ -29,9 +29,15 @@ private slots:
     void recognisesSeparatorsAndMarks_data();
     void recognisesSeparatorsAndMarks();
     void readsADecimalCommaOnlyWhereCommasDoNotSeparate();
+    void refusesNumbersThatMayBeThousands_data();
+    void refusesNumbersThatMayBeThousands();
     void convertsUnits_data();
     void convertsUnits();
     void matchesByColumns();
+    void leavesAloneWhatItMatchesBy();
+    void addsNothingTwice();
+    void notesMaterialsThatDocumentsCannotTellApart_data();
+    void notesMaterialsThatDocumentsCannotTellApart();
     void matchesStockFormsWithinTheirMaterial();
     void findsMaterialsOfStockForms_data();
     void findsMaterialsOfStockForms();
@@ -342,6 +348,10 @@ void tst_ZaxmatImport::recognisesSeparatorsAndMarks_data()
     QTest::newRow("semicolon and point") << QByteArray("key;thickness\nsteel-2;2.5\n");
     QTest::newRow("tab") << QByteArray("key\tthickness\nsteel-2\t2,5\n");
     QTest::newRow("mark") << QByteArray("\xEF\xBB\xBFkey,thickness\r\nsteel-2,2.5\r\n");
+    QTest::newRow("told") << QByteArray("sep=;\r\nkey;thickness\r\nsteel-2;2,5\r\n");
+    QTest::newRow("behind the last cell") << QByteArray("key;thickness;;\nsteel-2;2,5;;\n");
+    QTest::newRow("behind the last title") << QByteArray("key,thickness,\nsteel-2,2.5\n");
+    QTest::newRow("letter case of titles") << QByteArray("Key,thickness,TYPE\nsteel-2,2.5,Material\n");
 }
 
 void tst_ZaxmatImport::recognisesSeparatorsAndMarks()
@@ -365,6 +375,41 @@ void tst_ZaxmatImport::readsADecimalCommaOnlyWhereCommasDoNotSeparate()
     QCOMPARE(Import(workshop, "type;key;cost\nstock form;steel-2-coil;2,5\n").code, 0);
     QCOMPARE(ValueIn(workshop, "steel-2-coil", "cost"), QJsonValue(2.5));
     QCOMPARE(Import(workshop, "type;key;cost\nstock form;steel-2-coil;1.234,5\n").code, 1);
+}
+
+void tst_ZaxmatImport::refusesNumbersThatMayBeThousands_data()
+{
+    QTest::addColumn<QByteArray>("cell");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<double>("value");
+    const auto row = [](const char* cell, const char* reason, double value = 0) {
+        QTest::newRow(cell) << QByteArray(cell) << QString::fromUtf8(reason) << value;
+    };
+    row("1.080", "cost: \"1.080\" is ambiguous; write 1080 or 1,08.");
+    row("12.500", "cost: \"12.500\" is ambiguous; write 12500 or 12,5.");
+    row("-1.125", "cost: \"-1.125\" is ambiguous; write -1125 or -1,1250.");
+    row("1.000", "cost: \"1.000\" is ambiguous; write 1000 or 1,0.");
+    row("1.080,50", "cost: \"1.080,50\" is no number.");
+    row("1.080.000", "cost: \"1.080.000\" is no number.");
+    row("1,080", "", 1.08);
+    row("0.125", "", 0.125);
+    row("1.08", "", 1.08);
+    row("1.0800", "", 1.08);
+    row("1080.500", "", 1080.5);
+    row("012.500", "", 12.5);
+}
+
+void tst_ZaxmatImport::refusesNumbersThatMayBeThousands()
+{
+    QFETCH(const QByteArray, cell);
+    QFETCH(const QString, reason);
+    QFETCH(const double, value);
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const Run run = Import(workshop, "type;key;cost\nstock form;steel-2-coil;" + cell + "\n", {"--format", "json"});
+    QCOMPARE(Rows(run).at(0)["reason"].toString(), reason);
+    QCOMPARE(run.code, reason.isEmpty() ? 0 : 1);
+    QCOMPARE(ValueIn(workshop, "steel-2-coil", "cost").toDouble(), reason.isEmpty() ? value : 1083.3);
 }
 
 void tst_ZaxmatImport::convertsUnits_data()
@@ -408,6 +453,84 @@ void tst_ZaxmatImport::matchesByColumns()
     QCOMPARE(ValueIn(workshop, "steel-2", "density"), QJsonValue(7.85));
     const Run again = workshop.Zaxmat({"import", "--match", "name,thickness", workshop.Path("prices ø.csv")});
     QCOMPARE(again.out, "Rows added: 0, changed: 0, unchanged: 3, rejected: 0\nNothing was to be written.\n");
+}
+
+void tst_ZaxmatImport::leavesAloneWhatItMatchesBy()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const Run run =
+        Import(workshop, "name,thickness,density\nStructural steel,2.0000000005,8\n", {"--match", "name,thickness"});
+    QCOMPARE(run.out, "Rows added: 0, changed: 1, unchanged: 0, rejected: 0\n");
+    QCOMPARE(ValueIn(workshop, "steel-2", "thickness"), QJsonValue(2));
+    QCOMPARE(ValueIn(workshop, "steel-2", "density"), QJsonValue(8));
+    QCOMPARE(Import(workshop, "name,thickness\nCopper,2.0000000005\n", {"--match", "name,thickness"}).code, 0);
+    QVERIFY(Workshop::Read(workshop.CatalogueFile()).contains("2.0000000005"));
+}
+
+void tst_ZaxmatImport::addsNothingTwice()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const QByteArray before = Workshop::Read(workshop.CatalogueFile());
+    const Run run = Import(workshop,
+                           "type,key,name,material,thickness [in],length,width\n"
+                           "material,,\"Acrylic, cast\",,0.5,,\n"
+                           "material,,\"Acrylic, cast\",,1,,\n"
+                           "material,,\"Acrylic, cast\",,1,,\n"
+                           "stock form,,Coil,steel-2,,50000,1500\n"
+                           "stock form,,Coil,steel-2,,60000,1500\n"
+                           "stock form,,Coil,steel-3,,50000,1500\n",
+                           {"--format", "json"});
+    const QJsonArray rows = Rows(run);
+    const auto reason = [&](int row) { return rows.at(row)["reason"].toString(); };
+    QCOMPARE(reason(0), "the catalogue has a material of this name and thickness already, under the key "
+                        "\"acrylic-12.7\"; give the key, or match rows by --match name,thickness");
+    QCOMPARE(rows.at(1)["change"].toString(), "added");
+    QCOMPARE(reason(2), "line 3 is about the same record");
+    QCOMPARE(reason(3), "the catalogue has a stock form of this name and size already, under the key "
+                        "\"steel-2-coil\"; give the key, or match rows by --match name");
+    QCOMPARE(rows.at(4)["change"].toString(), "added");
+    QCOMPARE(rows.at(5)["change"].toString(), "added");
+    QCOMPARE(run.code, 1);
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), before);
+    // A key says which record is meant.
+    QCOMPARE(Import(workshop, "key,name,thickness\nsteel-4,Structural steel,2\n").code, 0);
+}
+
+void tst_ZaxmatImport::notesMaterialsThatDocumentsCannotTellApart_data()
+{
+    QTest::addColumn<QByteArray>("csv");
+    QTest::addColumn<QString>("notes");
+    const QString note = "zaxmat: note: %1 (%2) are both \"S235JR\" of %3; documents cannot tell them apart.\n";
+    QTest::newRow("none") << QByteArray("key,density\nsteel-2,8\n") << QString();
+    QTest::newRow("apart") << QByteArray("key,thickness\nsteel-2,2.9985\n") << QString();
+    QTest::newRow("changed") << QByteArray("key,thickness\nsteel-2,2.9995\n")
+                             << note.arg("\"Structural steel\" and \"Structural steel\"", "steel-3", "2.9995 mm");
+    QTest::newRow("new") << QByteArray("name,thickness,materialType\nOther,2,S235JR\n")
+                         << note.arg("\"Other\" and \"Structural steel\"", "steel-2", "2 mm");
+    QTest::newRow("changed away at the same time") << QByteArray("key,thickness\nsteel-2,3\nsteel-3,2\n") << QString();
+    QByteArray many = "key,name,thickness,materialType\n";
+    for (const char digit : QByteArray("1234567"))
+        many += QByteArray("new-") + digit + ",New " + digit + ",2,S235JR\n";
+    QString notes;
+    for (const QChar digit : QString("12345"))
+        notes += note.arg(QString("\"New %1\" and \"%2\"").arg(digit).arg(digit == '1' ? "New 2" : "New 1"),
+                          digit == '1' ? "new-2" : "new-1", "2 mm");
+    QTest::newRow("many") << many << notes + "zaxmat: note: so it is with 2 more; \"zaxmat check\" lists them.\n";
+}
+
+void tst_ZaxmatImport::notesMaterialsThatDocumentsCannotTellApart()
+{
+    QFETCH(const QByteArray, csv);
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    QTEST(Import(workshop, csv, {"--dry-run"}).err, "notes");
+    const Run run = Import(workshop, csv);
+    QTEST(run.err, "notes");
+    QCOMPARE(run.code, 0);
+    workshop.WriteCatalogue(SmallCatalogue());
+    QCOMPARE(Import(workshop, csv, {"--quiet"}).err, "");
 }
 
 void tst_ZaxmatImport::matchesStockFormsWithinTheirMaterial()
@@ -491,11 +614,12 @@ void tst_ZaxmatImport::rejectsRows_data()
         "a stock form has no property \"thickness\"");
     row("not positive", "material,steel-2,,,0,,", "thickness: The thickness is not a positive non-zero length.");
     row("not positive, a cost", "stock form,steel-2-coil,,,,-1,", "cost: Cost must be a positive, non-zero value.");
+    row("not positive, a density", "material,steel-2,,,,,,0", "density: it must be greater than zero");
     row("no number", "stock form,steel-2-coil,,,,dear,", "cost: \"dear\" is no number.");
     row("no truth", "stock form,steel-2-coil,,,,,maybe", "isActive: \"maybe\" is neither true nor false.");
     row("several mistakes", "stock form,steel-2-coil,,,5,dear,",
         "a stock form has no property \"thickness\"; cost: \"dear\" is no number.");
-    row("more cells than titles", "material,steel-2,,,,,,8", "there are more cells than titles");
+    row("more cells than titles", "material,steel-2,,,,,,,8", "there are more cells than titles");
     row("record twice", "material,steel-3,,,3,,", "line 2 is about the same record");
 }
 
@@ -506,7 +630,7 @@ void tst_ZaxmatImport::rejectsRows()
     workshop.WriteCatalogue(SmallCatalogue());
     const QByteArray before = Workshop::Read(workshop.CatalogueFile());
     const Run run = Import(workshop,
-                           "type,key,name,material,thickness,cost,isActive\n"
+                           "type,key,name,material,thickness,cost,isActive,density\n"
                            "material,steel-3,,,4,,\n" +
                                row + "\n",
                            {"--format", "json"});

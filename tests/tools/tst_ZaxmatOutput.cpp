@@ -1,6 +1,10 @@
 #include "Workshop.h"
 
 #include <QJsonDocument>
+#include <QLockFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSysInfo>
 #include <QTest>
 
 /// What --format, --quiet and --unit make of results, and what a terminal gets.
@@ -17,6 +21,9 @@ private slots:
     void quietLeavesTheData();
     void quietLeavesErrors();
     void lengthsAreDisplayedInInches();
+    void messagesAndChangesAreInInchesToo();
+    void longWorkIsToldOnATerminal_data();
+    void longWorkIsToldOnATerminal();
     void optionsMayStandBeforeTheCommand();
     void unknownChoicesAreRefused_data();
     void unknownChoicesAreRefused();
@@ -153,6 +160,73 @@ void tst_ZaxmatOutput::lengthsAreDisplayedInInches()
     QVERIFY2(show.startsWith("Structural steel, 0.118110236 in\n"), qUtf8Printable(show));
     QVERIFY2(show.contains("\nThickness      0.118110236 in\n"), qUtf8Printable(show));
     QVERIFY2(show.contains("  78.7401575 in  39.3700787 in  47.1  yes  "), qUtf8Printable(show));
+}
+
+void tst_ZaxmatOutput::messagesAndChangesAreInInchesToo()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const QString inch = "--unit=in";
+    const QString lines =
+        "  Structural steel, 0.0787401575 in  steel-2\n  Structural steel, 0.118110236 in   steel-3\n";
+    for (const QStringList& command : {QStringList{"set", "S235JR", "comment=x", inch},
+                                       {"remove", "S235JR", inch},
+                                       {"add", "x", "--material", "S235JR", inch},
+                                       {"use", "S235JR", "--document", workshop.Path("job.zaxdoc"), inch}}) {
+        const Run run = workshop.Zaxmat(command);
+        QVERIFY2(run.err.contains(lines), qUtf8Printable(run.err));
+    }
+    const QString similar = workshop.Zaxmat({"show", "structural", inch}).err;
+    QVERIFY2(similar.contains(lines), qUtf8Printable(similar));
+    const QString noStockForm = workshop.Zaxmat({"set", "x", "--material", "steel-3", "cost=1", inch}).err;
+    QVERIFY2(noStockForm.contains("\"Structural steel, 0.118110236 in\" has no stock form"),
+             qUtf8Printable(noStockForm));
+    const QString changed = workshop.Zaxmat({"set", "steel-2", "thickness=1 in", inch}).out;
+    QVERIFY2(changed.contains("Structural steel, 1 in  thickness  0.0787401575 in  1 in"), qUtf8Printable(changed));
+    const QString removed = workshop.Zaxmat({"remove", "steel-3", inch}).err;
+    QVERIFY2(removed.contains("With \"Structural steel, 0.118110236 in\""), qUtf8Printable(removed));
+    const QString used = workshop.Zaxmat({"use", "acrylic-12.7", "--document", workshop.Path("job.zaxdoc"), inch}).out;
+    QVERIFY2(used.contains(QRegularExpression("\nThickness +0.5 in\n")), qUtf8Printable(used));
+}
+
+void tst_ZaxmatOutput::longWorkIsToldOnATerminal_data()
+{
+    QTest::addColumn<QString>("script");
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<bool>("isTold");
+    QTest::newRow("terminal") << onTerminal << QStringList{} << true;
+    QTest::newRow("quiet") << onTerminal << QStringList{"--quiet"} << false;
+    QTest::newRow("no terminal") << "exec \"$@\"" << QStringList{} << false;
+}
+
+void tst_ZaxmatOutput::longWorkIsToldOnATerminal()
+{
+    QFETCH(QString, script);
+    QFETCH(QStringList, options);
+    QFETCH(bool, isTold);
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    QLockFile lock(workshop.CatalogueFile() + ".lock");
+    QVERIFY(lock.lock());
+    QProcess process;
+    process.setProcessEnvironment(workshop.environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start("sh", QStringList{"-c", script, "sh", QStringLiteral(ZAXMAT_PROGRAM), "set", "steel-2", "comment=x"} +
+                            options);
+    // It waits for the lock.
+    QVERIFY(!process.waitForFinished(1500));
+    lock.unlock();
+    QVERIFY(process.waitForFinished());
+    const QString text = QString::fromUtf8(process.readAll());
+    const QString line = QString("\rwaiting for process %1 (tst_ZaxmatOutput) on %2")
+                             .arg(QString::number(QCoreApplication::applicationPid()), QSysInfo::machineHostName());
+    QCOMPARE(text.contains(line), isTold);
+    // Wiped out before the results.
+    const QString wiped = '\r' + QString(line.size() - 1, ' ') + '\r';
+    QCOMPARE(text.contains(wiped), isTold);
+    QVERIFY(!isTold || text.indexOf("\nCatalogue ") > text.indexOf(wiped));
+    QCOMPARE(text.count('\r') > text.count('\n'), isTold);
+    QCOMPARE(process.exitCode(), 0);
 }
 
 void tst_ZaxmatOutput::optionsMayStandBeforeTheCommand()

@@ -85,6 +85,8 @@ void tst_ZaxmatUseRefusals::wrongChoiceIsRefused_data()
     QTest::newRow("just not that thick") << QStringList{"S235JR", "--thickness", "2.0011"}
                                          << "zaxmat: There is no \"S235JR\" with a thickness of 2.0011 mm, but:\n" +
                                                 steels;
+    QTest::newRow("perhaps thousands") << QStringList{"S235JR", "--thickness", "1,250"}
+                                       << "zaxmat: --thickness: \"1,250\" is ambiguous; write 1250 or 1.25.\n";
     QTest::newRow("negative thickness") << QStringList{"S235JR", "--thickness", "-2"}
                                         << "zaxmat: There is no \"S235JR\" with a thickness of -2 mm, but:\n" + steels;
     QTest::newRow("other thickness than the key's")

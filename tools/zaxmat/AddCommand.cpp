@@ -13,27 +13,26 @@ namespace zaxmat {
 
 namespace {
 
-ZAXMatDefinition NewRecord(const AddOptions& options, const Catalogue& catalogue)
+ZAXMatDefinition NewRecord(const AddOptions& options, const Catalogue& catalogue, LengthUnit unit)
 {
     const Schema schema;
     return options.material.isEmpty()
                ? schema.NewMaterial(options.name)
-               : schema.NewStockForm(options.name, ChooseMaterialRecord(catalogue, options.material).GetKey());
+               : schema.NewStockForm(options.name, ChooseMaterialRecord(catalogue, options.material, unit).GetKey());
 }
 
 } // namespace
 
 ExitCode RunAdd(const AddOptions& options, Output& output)
 {
-    CatalogueEditor editor(options.catalogue, CatalogueEditor::MissingFile::Create);
-    ZAXMatDefinition record = NewRecord(options, editor.GetCatalogue());
+    CatalogueEditor editor(options.catalogue, output, CatalogueEditor::MissingFile::Create);
+    ZAXMatDefinition record = NewRecord(options, editor.GetCatalogue(), output.GetUnit());
     ApplySettings(options.settings, record);
     editor.SetRecord(record);
     const CommitResult result = editor.Commit();
-    const QString path = editor.GetCatalogue().GetFilePath();
     if (editor.IsNew())
-        output.AddNote(Text::tr("the catalogue %1 is new.").arg(QuotedPath(path)));
-    PrintEdits(result, path, output);
+        output.AddNote(Text::tr("the catalogue %1 is new.").arg(QuotedPath(editor.GetCatalogue().GetFilePath())));
+    PrintEdits(result, editor.GetCatalogue(), output);
     return ExitCode::Done;
 }
 

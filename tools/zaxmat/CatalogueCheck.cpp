@@ -3,6 +3,7 @@
 #include "Properties.h"
 #include "Records.h"
 #include "Text.h"
+#include "Values.h"
 
 #include "ZAXMatDefinition.h"
 #include "ZAXMatMaterial.h"
@@ -157,23 +158,6 @@ std::optional<QByteArray> RightKindOf(const QMetaProperty& property, const JsonN
     if (isText && IsNumeric(property) && isNumber && std::isfinite(number))
         return NumberText(number).toLatin1();
     return std::nullopt;
-}
-
-/// Why the value of a base property is too small; empty when it is not.
-QString TooSmall(const QMetaProperty& property, const JsonNode& value)
-{
-    // What the features take for nothing.
-    constexpr double least = 0.001;
-    QVariant taken = ScalarOf(value);
-    if (!taken.convert(property.metaType()))
-        return {};
-    if (property.metaType() == QMetaType::fromType<ZAXSysDensityValue>())
-        return taken.value<ZAXSysDensityValue>().GetValue() > 0 ? QString() : Text::tr("it must be greater than zero");
-    if (property.metaType() == QMetaType::fromType<ZAXSysLengthValue>())
-        return taken.value<ZAXSysLengthValue>().GetValue() >= least ? QString()
-                                                                    : Text::tr("it must be at least 0.001 mm");
-    const bool isCost = QLatin1String(property.name()) == QLatin1String(ZAXMatPackaging::Property_cost);
-    return !isCost || taken.toDouble() >= least ? QString() : Text::tr("it must be at least 0.001");
 }
 
 /// The members of an object that go.
@@ -459,7 +443,7 @@ private:
                 Replace(value.value, *right);
             return &finding;
         }
-        const QString why = extension.name.isEmpty() ? TooSmall(property, value.value) : QString();
+        const QString why = extension.name.isEmpty() ? LimitOf(property, ScalarOf(value.value)) : QString();
         return why.isEmpty() ? nullptr
                              : &AddFor(record, "not-positive", value.value.begin,
                                        Text::tr("%1 is %2, but %3").arg(value.name, ShownValue(value.value), why));

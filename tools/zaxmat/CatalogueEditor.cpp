@@ -3,6 +3,7 @@
 #include "CautiousFileSystem.h"
 #include "Failure.h"
 #include "JsonText.h"
+#include "Progress.h"
 #include "RecordDifference.h"
 #include "Text.h"
 
@@ -14,9 +15,6 @@
 namespace zaxmat {
 
 namespace {
-
-/// How long to wait for others, in milliseconds.
-constexpr qint64 patience = 60000;
 
 /// The file that the catalogue is in, behind symbolic links. Whether it can be locked is another question.
 /// \throws Failure when it is no file, or is missing without reason.
@@ -42,24 +40,12 @@ QByteArray ToText(const QJsonObject& root)
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
 
-/// The record of that type and key; most are named by their keys.
-ZAXMatDefinition RecordIn(const QJsonObject& root, ZAXMatDefinition::Type type, const QByteArray& key)
-{
-    const CatalogueRecord named(root.value(QString::fromLatin1(key)).toObject());
-    if (named.GetKey() == key && named.GetType() == type)
-        return named.ToDefinition();
-    for (const QJsonValue& value : root) {
-        const CatalogueRecord record(value.toObject());
-        if (record.GetKey() == key && record.GetType() == type)
-            return record.ToDefinition();
-    }
-    return {};
-}
-
 /// Of members with the same name only the last one is read, and only that would be written again.
 /// \throws Failure (FileFailure) when \a bytes have some.
 void RequireNothingTwice(const QString& path, const QByteArray& bytes)
 {
+    if (!MayRepeatMembers(bytes))
+        return;
     const JsonText text = ParseJsonText(bytes);
     const JsonMember* const repeated = text.error ? nullptr : FindRepeatedMember(text.root);
     if (!repeated)
@@ -90,11 +76,12 @@ CommitResult CountEdits(const QList<RecordEdit>& edits)
 
 } // namespace
 
-CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, MissingFile missing,
+CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, const Output& output, MissingFile missing,
                                  std::function<void()> beforeReplacing)
     : m_path(EditablePath(options, missing)),
+      m_output(output),
       m_beforeReplacing(std::move(beforeReplacing)),
-      m_lock(ZAXHostFileSaver::TargetOf(m_path), patience),
+      m_lock(ZAXHostFileSaver::TargetOf(m_path), output),
       m_isNew(missing == MissingFile::Create && !QFileInfo::exists(m_path)),
       m_bytes(m_isNew ? QByteArray() : ReadCatalogueFile(m_path)),
       m_root(m_isNew ? QJsonObject() : ParseCatalogue(m_path, m_bytes)),
@@ -112,25 +99,33 @@ ZAXMatDefinition CatalogueEditor::GetRecord(ZAXMatDefinition::Type type, const Q
     return type == ZAXMatDefinition::Material ? m_catalogue.GetMaterial(key) : m_catalogue.GetStockForm(key);
 }
 
-void CatalogueEditor::Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after)
+void CatalogueEditor::Stage(const RecordEdit& edit)
 {
-    const auto place = m_places.constFind({type, key});
+    const ZAXMatDefinition& either = edit.after.IsValid() ? edit.after : edit.before;
+    const std::pair<int, QByteArray> identity(either.GetType(), either.GetKey());
+    const auto place = m_places.constFind(identity);
     if (place != m_places.cend()) {
-        m_edits[*place].after = after;
+        m_edits[*place].after = edit.after;
         return;
     }
-    m_edits.append({GetRecord(type, key), after});
-    m_places.insert({type, key}, m_edits.size() - 1);
+    m_edits.append(edit);
+    m_places.insert(identity, m_edits.size() - 1);
 }
 
 void CatalogueEditor::SetRecord(const ZAXMatDefinition& record)
 {
-    Stage(record.GetType(), record.GetKey(), record);
+    Stage({GetRecord(record.GetType(), record.GetKey()), record});
+}
+
+void CatalogueEditor::SetRecord(const ZAXMatDefinition& before, const ZAXMatDefinition& record)
+{
+    Stage({before, record});
 }
 
 void CatalogueEditor::RemoveRecord(ZAXMatDefinition::Type type, const QByteArray& key)
 {
-    Stage(type, key, {});
+    if (const ZAXMatDefinition before = GetRecord(type, key); before.IsValid())
+        Stage({before, {}});
 }
 
 QList<RecordEdit> CatalogueEditor::Changes() const
@@ -166,6 +161,7 @@ CommitResult CatalogueEditor::Commit()
     CommitResult result = CountEdits(changes);
     if (changes.isEmpty())
         return result;
+    const Progress progress(m_output, Text::tr("writing %1").arg(QuotedPath(m_path)));
     RequireNothingTwice(m_path, m_bytes);
     // Whoever writes without a lock may do so while this is writing: then it begins anew.
     constexpr int tries = 10;
@@ -198,19 +194,13 @@ bool CatalogueEditor::TryCommit(const QList<RecordEdit>& changes, const std::opt
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The catalogue %1 cannot be written: %2.").arg(QuotedPath(m_path), saved.GetMessage()));
     }
-    Verify(changes, text);
+    Verify(text);
     return true;
 }
 
-void CatalogueEditor::Verify(const QList<RecordEdit>& changes, const QByteArray& text) const
+void CatalogueEditor::Verify(const QByteArray& text) const
 {
-    const QByteArray bytes = ReadCatalogueFile(m_path);
-    const QJsonObject root = ParseCatalogue(m_path, bytes);
-    const auto isWritten = [&](const RecordEdit& edit) {
-        const ZAXMatDefinition& record = edit.after.IsValid() ? edit.after : edit.before;
-        return IsSameRecord(RecordIn(root, record.GetType(), record.GetKey()), edit.after);
-    };
-    if (bytes == text && std::ranges::all_of(changes, isWritten))
+    if (ReadCatalogueFile(m_path) == text)
         return;
     throw Failure(ExitCode::FileFailure,
                   Text::tr("The catalogue %1 was written, but does not hold now what was written. Somebody else may "

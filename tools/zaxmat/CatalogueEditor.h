@@ -13,6 +13,8 @@
 
 namespace zaxmat {
 
+class Output;
+
 /// What an edit of a catalogue came to.
 struct CommitResult
 {
@@ -39,11 +41,12 @@ public:
         Create,
     };
 
-    /// Locks the catalogue, waiting up to a minute for others, and reads it. \a beforeReplacing is called by
-    /// Commit() once, just before it replaces the file, for tests in which somebody else writes meanwhile.
-    /// \throws Failure (FileFailure) when it stays locked, and for a file that Catalogue does not take.
-    explicit CatalogueEditor(const CatalogueOptions& options, MissingFile missing = MissingFile::Refuse,
-                             std::function<void()> beforeReplacing = {});
+    /// Locks the catalogue, waiting up to a minute for others, and reads it. The progress line of \a output, which must
+    /// live as long as this, tells of that and of Commit(). \a beforeReplacing is called by Commit() once, just before
+    /// it replaces the file, for tests in which somebody else writes meanwhile. \throws Failure (FileFailure) when it
+    /// stays locked, and for a file that Catalogue does not take.
+    CatalogueEditor(const CatalogueOptions& options, const Output& output, MissingFile missing = MissingFile::Refuse,
+                    std::function<void()> beforeReplacing = {});
     ~CatalogueEditor();
     CatalogueEditor(const CatalogueEditor&) = delete;
     CatalogueEditor& operator=(const CatalogueEditor&) = delete;
@@ -58,6 +61,8 @@ public:
     /// Has the catalogue hold \a record, which must be valid, in the place of the one of its type and key, or besides
     /// all others.
     void SetRecord(const ZAXMatDefinition& record);
+    /// The same where the caller has read from GetCatalogue() what \a record was \a before; invalid for a new one.
+    void SetRecord(const ZAXMatDefinition& before, const ZAXMatDefinition& record);
     /// Takes the record of that type and key out of the catalogue. The stock forms of a material stay.
     void RemoveRecord(ZAXMatDefinition::Type type, const QByteArray& key);
 
@@ -70,7 +75,7 @@ public:
     CommitResult Commit();
 
 private:
-    void Stage(ZAXMatDefinition::Type type, const QByteArray& key, const ZAXMatDefinition& after);
+    void Stage(const RecordEdit& edit);
     /// What was collected and is a change.
     QList<RecordEdit> Changes() const;
     /// What the file holds now; nothing when it was not there and is not there yet.
@@ -79,10 +84,11 @@ private:
     /// \a isMerged says that this is not what was read.
     bool TryCommit(const QList<RecordEdit>& changes, const std::optional<QByteArray>& present, bool isMerged);
     QJsonObject Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const;
-    /// \throws Failure unless the file holds \a text and that the \a changes.
-    void Verify(const QList<RecordEdit>& changes, const QByteArray& text) const;
+    /// \throws Failure unless the file holds \a text.
+    void Verify(const QByteArray& text) const;
 
     QString m_path;
+    const Output& m_output;
     std::function<void()> m_beforeReplacing;
     FileLock m_lock;
     bool m_isNew;

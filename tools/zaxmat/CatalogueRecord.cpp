@@ -97,8 +97,10 @@ QJsonObject RecordToJson(const ZAXMatDefinition& record, const QJsonObject& prev
     QJsonObject object = previous;
     SetKey(object, keyMember, record.GetKey());
     SetKey(object, materialKeyMember, record.GetMaterialKey());
-    object.insert(nameMember, record.GetName());
-    object.insert(typeMember, static_cast<int>(record.GetType()));
+    if (const QString name = record.GetName(); object.value(nameMember) != QJsonValue(name))
+        object.insert(nameMember, name);
+    if (const int type = record.GetType(); object.value(typeMember) != QJsonValue(type))
+        object.insert(typeMember, type);
     QJsonObject properties = object.value(propertiesMember).toObject();
     const QStringList present = properties.keys();
     const QList<QByteArray> extensions = record.GetDefinedExtensions();

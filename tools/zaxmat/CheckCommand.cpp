@@ -22,9 +22,6 @@ namespace zaxmat {
 
 namespace {
 
-/// How long to wait for others, in milliseconds.
-constexpr qint64 patience = 60000;
-
 /// What became of \a finding, for people.
 Cell StateOf(const Finding& finding, bool isFixing)
 {
@@ -81,7 +78,7 @@ QString Fix(const QString& path, const QByteArray& bytes, const CatalogueCheck& 
     const bool isUnreadable = !again.findings.isEmpty() && again.findings.first().problem == QLatin1String("syntax");
     if (isUnreadable || (!isSyntax && again.findings.size() > check.findings.size()))
         throw Failure(ExitCode::InternalError, Text::tr("Mending would make it worse. Nothing was written."));
-    const QString copy = KeepCopy(path, bytes);
+    const QString copy = KeepCopy(path, bytes, QLatin1String(".bak"));
     ReplaceCatalogueFile(path, bytes, check.mended);
     return copy;
 }
@@ -93,7 +90,7 @@ ExitCode RunCheck(const CheckOptions& options, Output& output)
     const QString path = CatalogueFilePath(options.catalogue);
     std::optional<FileLock> lock;
     if (options.isFixing && QFileInfo(path).isFile())
-        lock.emplace(ZAXHostFileSaver::TargetOf(path), patience);
+        lock.emplace(ZAXHostFileSaver::TargetOf(path), output);
     const QByteArray bytes = ReadCatalogueFile(path);
     const CatalogueCheck check = CheckCatalogue(bytes);
     const bool isFixing = options.isFixing && std::ranges::any_of(check.findings, &Finding::isFixable);

@@ -24,9 +24,9 @@ ZAXMatDefinition CopyOf(const ZAXMatDefinition& original, const Schema& schema)
 
 ExitCode RunCopy(const CopyOptions& options, Output& output)
 {
-    CatalogueEditor editor(options.catalogue);
+    CatalogueEditor editor(options.catalogue, output);
     const Schema schema;
-    const ZAXMatDefinition original = ChooseRecord(editor.GetCatalogue(), options.request);
+    const ZAXMatDefinition original = ChooseRecord(editor.GetCatalogue(), options.request, output.GetUnit());
     ZAXMatDefinition copy = CopyOf(original, schema);
     copy.SetName(options.name);
     ApplySettings(options.settings, copy);
@@ -39,7 +39,7 @@ ExitCode RunCopy(const CopyOptions& options, Output& output)
             editor.SetRecord(copied);
         }
     }
-    PrintEdits(editor.Commit(), editor.GetCatalogue().GetFilePath(), output);
+    PrintEdits(editor.Commit(), editor.GetCatalogue(), output);
     return ExitCode::Done;
 }
 

@@ -37,15 +37,6 @@ struct Range
     double to = std::numeric_limits<double>::infinity();
 };
 
-std::optional<ZAXSysQuantity> QuantityOf(const QMetaProperty& property)
-{
-    if (property.metaType() == QMetaType::fromType<ZAXSysLengthValue>())
-        return ZAXSysQuantity::Length;
-    if (property.metaType() == QMetaType::fromType<ZAXSysDensityValue>())
-        return ZAXSysQuantity::Density;
-    return std::nullopt;
-}
-
 std::optional<double> NumberOf(const QString& text, std::optional<ZAXSysQuantity> quantity)
 {
     if (quantity)
@@ -134,14 +125,29 @@ Failure NoNumber(const PropertyName& name, const QString& text)
                                       .arg(Printable(NameText(name)), Quoted(text))};
 }
 
+/// \throws Failure (WrongUsage) unless \a text says clearly which numbers are meant, if it is about numbers.
+void RequireClear(const PropertyName& name, const QString& text, const std::optional<Range>& range)
+{
+    if (!range)
+        throw NoNumber(name, text);
+    const QStringList bounds = text.split(QLatin1String(".."));
+    for (const QString& bound : bounds) {
+        if (const QString why = AmbiguityOf(bound); !why.isEmpty())
+            throw Failure(ExitCode::WrongUsage,
+                          Text::tr("%1: %2 %3").arg(Printable(NameText(name)), Quoted(bound), why));
+    }
+    if (range->from > range->to)
+        throw Failure(ExitCode::WrongUsage, Text::tr("%1: there is nothing in %2: its first bound is the larger one.")
+                                                .arg(Printable(NameText(name)), Quoted(text)));
+}
+
 Test BooleanTest(const PropertyName& name, const QString& text)
 {
-    const QString word = text.toLower();
-    const bool isTrue = word == QLatin1String("yes") || word == QLatin1String("true");
-    if (!isTrue && word != QLatin1String("no") && word != QLatin1String("false"))
+    const auto wanted = ReadBoolean(text);
+    if (!wanted)
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1: %2 is neither true nor false.").arg(Printable(NameText(name)), Quoted(text)));
-    return [isTrue](const QJsonValue& value) { return value.isBool() && value.toBool() == isTrue; };
+    return [isTrue = *wanted](const QJsonValue& value) { return value.isBool() && value.toBool() == isTrue; };
 }
 
 Test TestFor(const QMetaProperty& property, const PropertyName& name, const QString& text)
@@ -151,8 +157,7 @@ Test TestFor(const QMetaProperty& property, const PropertyName& name, const QStr
     const auto quantity = QuantityOf(property);
     const auto range = RangeOf(text, quantity);
     if (quantity || property.metaType().id() == QMetaType::Double) {
-        if (!range)
-            throw NoNumber(name, text);
+        RequireClear(name, text, range);
         return RangeTest(*range, quantity);
     }
     if (property.metaType().id() == QMetaType::Bool)

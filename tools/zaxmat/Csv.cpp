@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace zaxmat {
 
@@ -63,6 +64,21 @@ char SeparatorOf(QByteArrayView titles)
     const auto* const found =
         std::ranges::find_if(separators, [&](char separator) { return outside.contains(separator); });
     return found != separators.end() ? *found : ',';
+}
+
+/// The separator that a line "sep=;" tells.
+std::optional<char> SeparatorToldBy(QByteArrayView line)
+{
+    QByteArrayView text = line;
+    while (text.endsWith('\n') || text.endsWith('\r'))
+        text.chop(1);
+    if (text.size() >= 2 && text.startsWith('"') && text.endsWith('"'))
+        text = text.sliced(1, text.size() - 2);
+    constexpr QByteArrayView mark = "sep=";
+    const bool isMark =
+        text.size() == mark.size() + 1 && text.first(mark.size()).compare(mark, Qt::CaseInsensitive) == 0;
+    constexpr QByteArrayView separators = ",;\t";
+    return isMark && separators.contains(text.back()) ? std::optional(text.back()) : std::nullopt;
 }
 
 /// The parser of the library, one line at a time, so that every row knows its line.
@@ -152,10 +168,12 @@ CsvTable ReadCsv(const QByteArray& bytes)
     const QList<QByteArrayView> lines = LinesOf(text);
     RequireUtf8(lines);
     CsvTable table;
-    table.separator = lines.isEmpty() ? ',' : SeparatorOf(lines.first());
+    const auto told = lines.isEmpty() ? std::nullopt : SeparatorToldBy(lines.first());
+    if (!lines.isEmpty())
+        table.separator = told.value_or(SeparatorOf(lines.first()));
     Parser parser(table);
-    for (const QByteArrayView line : lines)
-        parser.Parse(line);
+    for (qsizetype i = 0; i < lines.size(); ++i)
+        parser.Parse(told && i == 0 ? QByteArrayView("\n") : lines[i]);
     parser.Finish();
     return table;
 }

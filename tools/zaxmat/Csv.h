@@ -45,9 +45,9 @@ private:
 };
 
 /// Reads CSV in UTF-8, with or without a byte order mark, with the line ends of any system. What separates the cells
-/// is what the first line holds outside quotation marks: tabs, else semicolons, else commas.
-/// \throws CsvError for bytes that are no UTF-8, and for quotation marks that are not closed, or stand inside a cell
-/// that does not start with one.
+/// is what the first line holds outside quotation marks: tabs, else semicolons, else commas. A line "sep=;" before it,
+/// by which spreadsheets are told, says so itself and is no row. \throws CsvError for bytes that are no UTF-8, and for
+/// quotation marks that are not closed, or stand inside a cell that does not start with one.
 CsvTable ReadCsv(const QByteArray& bytes);
 
 /// One row as RFC 4180 has it, its line break included, in UTF-8. Only a cell that needs quotation marks gets them: an

@@ -32,17 +32,8 @@ constexpr std::array ownColumns{
 
 constexpr std::array types{ZAXMatDefinition::Material, ZAXMatDefinition::Packaging};
 
-std::optional<ZAXSysQuantity> QuantityOf(const QMetaProperty& property)
-{
-    if (property.metaType() == QMetaType::fromType<ZAXSysLengthValue>())
-        return ZAXSysQuantity::Length;
-    if (property.metaType() == QMetaType::fromType<ZAXSysDensityValue>())
-        return ZAXSysQuantity::Density;
-    return std::nullopt;
-}
-
 /// The quantity of the property of materials, else of stock forms; empty for none.
-std::optional<ZAXSysQuantity> QuantityOf(const PropertyName& name)
+std::optional<ZAXSysQuantity> QuantityNamed(const PropertyName& name)
 {
     const auto ofMaterial =
         QuantityOf(FindProperty(ClassOf(ZAXMatDefinition::Material, name.extension), name.property));
@@ -56,10 +47,17 @@ QString InternalUnit(ZAXSysQuantity quantity)
     return ZAXSysValue(quantity, 1).ToString().section(u' ', 1);
 }
 
+/// Letter case does not count in the titles of the columns that are no properties.
+const OwnColumn* FindOwn(const QString& title)
+{
+    return std::ranges::find_if(
+        ownColumns, [&](const OwnColumn& own) { return title.compare(own.title, Qt::CaseInsensitive) == 0; });
+}
+
 QString FieldText(const PropertyName& name)
 {
     const QString field = NameText(name);
-    const bool isOwn = std::ranges::find(ownColumns, field, &OwnColumn::title) != ownColumns.end();
+    const bool isOwn = FindOwn(field) != ownColumns.end();
     // A property that is called like a column of the record's own.
     return isOwn ? u'.' + field : field;
 }
@@ -91,7 +89,7 @@ Failure NoSuchProperty(const CsvColumn& column, ZAXMatDefinition::Type type)
 
 CsvColumn PropertyColumn(const PropertyName& name)
 {
-    const auto quantity = QuantityOf(name);
+    const auto quantity = QuantityNamed(name);
     return {CsvColumn::Kind::Property, FieldText(name), name, quantity ? InternalUnit(*quantity) : QString()};
 }
 
@@ -103,16 +101,15 @@ QString TitleOf(const CsvColumn& column)
 CsvColumn ColumnOf(const QString& title)
 {
     const QString trimmed = title.trimmed();
-    const auto* const own = std::ranges::find(ownColumns, trimmed, &OwnColumn::title);
-    if (own != ownColumns.end())
-        return {own->kind, trimmed};
+    if (const OwnColumn* const own = FindOwn(trimmed); own != ownColumns.end())
+        return {own->kind, own->title};
     const qsizetype bracket = trimmed.endsWith(u']') ? trimmed.lastIndexOf(u'[') : -1;
     const QString field = (bracket >= 0 ? trimmed.first(bracket) : trimmed).trimmed();
     CsvColumn column = PropertyColumn(ParsePropertyName(field.startsWith(u'.') ? field.sliced(1) : field));
     if (bracket < 0)
         return column;
     column.unit = trimmed.sliced(bracket + 1).chopped(1).trimmed();
-    const auto quantity = QuantityOf(column.name);
+    const auto quantity = QuantityNamed(column.name);
     if (!quantity)
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 has no unit, so that none can stand in brackets behind it.").arg(Quoted(field)));
@@ -153,12 +150,12 @@ QString CellOf(const QVariant& value)
     }
 }
 
-CellReader::CellReader(const QList<CsvColumn>& columns, bool allowsDecimalComma)
+CellReader::CellReader(const QList<CsvColumn>& columns, ValueReading::DecimalComma decimalComma)
 {
     const Schema schema;
     for (const CsvColumn& column : columns) {
-        Column known{column, {allowsDecimalComma, column.unit}, true, {}};
-        const auto quantity = QuantityOf(column.name);
+        Column known{column, {decimalComma, column.unit}, true, {}};
+        const auto quantity = QuantityNamed(column.name);
         known.isInternalUnit = !quantity || column.unit == InternalUnit(*quantity);
         for (const ZAXMatDefinition::Type type : types)
             known.fields[type] = {FindProperty(ClassOf(type, column.name.extension), column.name.property),

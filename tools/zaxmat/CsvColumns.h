@@ -58,8 +58,8 @@ QString CellOf(const QVariant& value);
 class CellReader
 {
 public:
-    /// Numbers may have a decimal comma if \a allowsDecimalComma, as they may where commas do not separate cells.
-    CellReader(const QList<CsvColumn>& columns, bool allowsDecimalComma);
+    /// \a decimalComma says how numbers are written in the file.
+    CellReader(const QList<CsvColumn>& columns, ValueReading::DecimalComma decimalComma);
 
     /// Whether materials or stock forms have the property of the column \a column, as far as their classes are known.
     bool IsProperty(qsizetype column, ZAXMatDefinition::Type type) const;

@@ -35,7 +35,7 @@ void AddRows(const ZAXFeatObject& object, int depth, LengthUnit unit, Table& tab
 ExitCode RunDocumentDuplicate(const DocumentDuplicateOptions& options, Output& output)
 {
     const ClassDefaults defaults;
-    OpenedDocument document(options.document, OpenedDocument::Purpose::Change);
+    OpenedDocument document(options.document, OpenedDocument::Purpose::Change, output);
     document.Report(output);
     ZAXFeatObject* const source = FindObject(document.Get(), options.object);
     if (!source->CanUserDuplicate())

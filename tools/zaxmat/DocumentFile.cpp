@@ -1,20 +1,42 @@
 #include "DocumentFile.h"
 
 #include "Failure.h"
+#include "FileLock.h"
+#include "Progress.h"
 #include "Text.h"
 
 #include "ZAXFeatContainer.h"
 #include "ZAXFeatObject.h"
+#include "ZAXHostFileSaver.h"
 #include "ZAXMatRoot.h"
 
 #include <QBuffer>
+#include <QDeadlineTimer>
 #include <QFileInfo>
+#include <QLockFile>
+#include <QRandomGenerator>
+#include <QThread>
 
 #include <algorithm>
+#include <optional>
 
 namespace zaxmat {
 
 namespace {
+
+/// How long to wait for others, in milliseconds. Commands are done within that; an application in which the document
+/// is open may keep it all day.
+constexpr qint64 patience = 5000;
+
+/// Whether there is a lock on the document \a path that says whose it is.
+bool IsLocked(const QString& path)
+{
+    qint64 process = 0;
+    QString host;
+    QString application;
+    return QLockFile(ZAXHostFileSaver::TargetOf(path) + QLatin1String(".lock"))
+        .getLockInfo(&process, &host, &application);
+}
 
 bool IsSame(const ZAXHostDocument& a, const ZAXHostDocument& b)
 {
@@ -42,8 +64,9 @@ void Require(const ZAXHostResult& result)
         throw Failure(ExitCode::FileFailure, result.GetMessage());
 }
 
-bool OpenDocument(ZAXHostDocument& document, const QString& path, ZAXHostDocument::Damage damage)
+bool OpenDocument(ZAXHostDocument& document, const QString& path, ZAXHostDocument::Damage damage, const Output& output)
 {
+    const Progress progress(output, Text::tr("opening %1").arg(QuotedPath(path)));
     const QFileInfo file(path);
     if (!file.exists())
         return false;
@@ -53,6 +76,43 @@ bool OpenDocument(ZAXHostDocument& document, const QString& path, ZAXHostDocumen
                       Text::tr("The document %1 cannot be opened: it is no file.").arg(QuotedPath(path)));
     Require(document.Open(path, damage));
     return true;
+}
+
+bool OpenDocumentForChange(ZAXHostDocument& document, const QString& path, ZAXHostDocument::Damage damage,
+                           const Output& output)
+{
+    QDeadlineTimer deadline(patience);
+    QString holder;
+    std::optional<Progress> waiting;
+    // One who has just given the document back leaves none to be seen.
+    constexpr int mostWithoutLock = 20;
+    int withoutLock = 0;
+    while (OpenDocument(document, path, damage, output)) {
+        const QString reason = document.GetReadOnlyReason();
+        withoutLock = IsLocked(path) ? 0 : withoutLock + 1;
+        if (reason.isEmpty() || withoutLock == mostWithoutLock)
+            return true;
+        // Many may wait, and each gets its turn as long as those before it come to an end.
+        if (reason != holder) {
+            holder = reason;
+            deadline.setRemainingTime(patience);
+            waiting.reset();
+            waiting.emplace(output, Text::tr("waiting: %1").arg(Printable(holder)));
+        }
+        if (deadline.hasExpired())
+            return true;
+        // Not all that wait at the same time.
+        QThread::usleep(1000 + QRandomGenerator::global()->bounded(9000));
+    }
+    return false;
+}
+
+std::unique_ptr<FileLock> LockCreation(const QString& path, const Output& output)
+{
+    const QFileInfo file(path);
+    if (file.exists() || !QFileInfo(file.absolutePath()).isWritable())
+        return nullptr;
+    return std::make_unique<FileLock>(path + QLatin1String(".new"), output);
 }
 
 ZAXMatRoot* MaterialsRootOf(ZAXHostDocument& document)

@@ -57,7 +57,7 @@ void AddRows(const ZAXFeatObject& object, Table& table)
 
 ExitCode RunDocumentRemove(const DocumentRemoveOptions& options, Output& output)
 {
-    OpenedDocument document(options.document, OpenedDocument::Purpose::Change);
+    OpenedDocument document(options.document, OpenedDocument::Purpose::Change, output);
     document.Report(output);
     QList<ZAXFeatObject*> objects;
     for (const QString& name : options.objects)

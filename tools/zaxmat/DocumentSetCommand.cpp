@@ -16,7 +16,7 @@ namespace zaxmat {
 ExitCode RunDocumentSet(const DocumentSetOptions& options, Output& output)
 {
     const ClassDefaults defaults;
-    OpenedDocument document(options.document, OpenedDocument::Purpose::Change);
+    OpenedDocument document(options.document, OpenedDocument::Purpose::Change, output);
     document.Report(output);
     ZAXFeatObject* const object = FindObject(document.Get(), options.object);
     const ObjectSnapshot before(*object, output.GetUnit());

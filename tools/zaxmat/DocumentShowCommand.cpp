@@ -33,7 +33,7 @@ QList<ObjectValue> FactsOf(const ZAXFeatObject& object, LengthUnit unit)
 
 ExitCode RunDocumentShow(const DocumentShowOptions& options, Output& output)
 {
-    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read);
+    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read, output);
     document.Report(output);
     const ZAXFeatObject* const object = FindObject(document.Get(), options.object);
     if (output.GetFormat() == Format::Json) {

@@ -10,6 +10,7 @@
 #include "Schema.h"
 #include "Table.h"
 #include "Text.h"
+#include "Twins.h"
 
 #include "ZAXHostPlaceholder.h"
 #include "ZAXMatMaterial.h"
@@ -33,14 +34,14 @@ const ZAXMatMaterial& FindMaterial(const OpenedDocument& document, const QString
 }
 
 /// The one record that the user named.
-ZAXMatDefinition NamedRecord(const Catalogue& catalogue, const QString& text)
+ZAXMatDefinition NamedRecord(const Catalogue& catalogue, const QString& text, LengthUnit unit)
 {
     const QList<ZAXMatDefinition> found = FindMaterials(catalogue, text);
     if (found.isEmpty())
-        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, text));
+        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, text, unit));
     if (found.size() > 1) {
         throw Failure(ExitCode::WrongUsage, Text::tr("Several materials are called %1. Choose one by its key:\n%2")
-                                                .arg(Quoted(text), MaterialLines(found)));
+                                                .arg(Quoted(text), MaterialLines(found, unit)));
     }
     return found.constFirst();
 }
@@ -52,7 +53,7 @@ bool HasThickness(const ZAXMatDefinition& record, double thickness)
 }
 
 /// \throws Failure (WrongUsage) when \a catalogue has a material that \a material might well be.
-void RequireNew(const Catalogue& catalogue, const ZAXMatMaterial& material)
+void RequireNew(const Catalogue& catalogue, const ZAXMatMaterial& material, LengthUnit unit)
 {
     QList<ZAXMatDefinition> same = FindMaterials(catalogue, material.GetLabel());
     same.removeIf([&](const ZAXMatDefinition& record) {
@@ -63,23 +64,23 @@ void RequireNew(const Catalogue& catalogue, const ZAXMatMaterial& material)
             ExitCode::WrongUsage,
             Text::tr("%1 did not come from the catalogue %2, which has a material of that name and thickness. "
                      "Say --record KEY to change that one, or --new to add another:\n%3")
-                .arg(Quoted(ObjectPath(material)), QuotedPath(catalogue.GetFilePath()), MaterialLines(same)));
+                .arg(Quoted(ObjectPath(material)), QuotedPath(catalogue.GetFilePath()), MaterialLines(same, unit)));
     }
 }
 
 /// The record that \a material is stored in; nothing for a new one.
 std::optional<ZAXMatDefinition> RecordOf(const Catalogue& catalogue, const ZAXMatMaterial& material,
-                                         const DocumentStoreOptions& options)
+                                         const DocumentStoreOptions& options, LengthUnit unit)
 {
     if (!options.record.isEmpty())
-        return NamedRecord(catalogue, options.record);
+        return NamedRecord(catalogue, options.record, unit);
     if (options.isNew)
         return std::nullopt;
     const ZAXMatDefinition own = catalogue.GetMaterial(material.GetRemoteKey());
     if (own.IsValid() && material.GetProviderId() == Catalogue::GetProviderId() &&
         HasThickness(own, material.GetThickness()))
         return own;
-    RequireNew(catalogue, material);
+    RequireNew(catalogue, material, unit);
     return std::nullopt;
 }
 
@@ -163,18 +164,18 @@ void NotePlaceholders(const ZAXFeatObject& object, Output& output)
 
 ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
 {
-    const OpenedDocument document(options.document, OpenedDocument::Purpose::Rely);
+    const OpenedDocument document(options.document, OpenedDocument::Purpose::Rely, output);
     document.Report(output);
     const ZAXMatMaterial& material = FindMaterial(document, options.material);
     Complaints complaints;
     complaints.AddInvalidValues(*FindObject(document.Get(), options.material));
     complaints.RaiseFor(Text::tr("%1 is not stored.").arg(Quoted(ObjectPath(material))));
 
-    CatalogueEditor editor(options.catalogue, CatalogueEditor::MissingFile::Create);
+    CatalogueEditor editor(options.catalogue, output, CatalogueEditor::MissingFile::Create);
     const Catalogue& catalogue = editor.GetCatalogue();
     Storing storing(editor);
-    const QByteArray key =
-        storing.Store(material, RecordOf(catalogue, material, options), Schema().NewMaterial(material.GetLabel()));
+    const QByteArray key = storing.Store(material, RecordOf(catalogue, material, options, output.GetUnit()),
+                                         Schema().NewMaterial(material.GetLabel()));
     if (options.hasStockForms)
         StoreStockForms(material, key, storing);
     NotePlaceholders(material, output);
@@ -185,6 +186,7 @@ ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
         output.Print(ChangesTable(changes, output.GetUnit()));
         output.Print(QString());
     }
+    NoteTwins(catalogue, result.edits, output);
     const QString path = QuotedPath(catalogue.GetFilePath());
     output.Print(result.isWritten ? Text::tr("Catalogue %1: records added: %2, changed: %3")
                                         .arg(path, QString::number(result.added), QString::number(result.changed))

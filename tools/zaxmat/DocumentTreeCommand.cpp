@@ -63,7 +63,7 @@ void PrintObjects(const OpenedDocument& document, Output& output)
 
 ExitCode RunDocumentTree(const DocumentTreeOptions& options, Output& output)
 {
-    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read);
+    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read, output);
     document.Report(output);
     if (output.GetFormat() == Format::Json)
         PrintObjects(document, output);

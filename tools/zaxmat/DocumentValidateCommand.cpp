@@ -51,7 +51,7 @@ bool Validate(ZAXFeatObject& object, Table& table)
 
 ExitCode RunDocumentValidate(const DocumentValidateOptions& options, Output& output)
 {
-    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read);
+    const OpenedDocument document(options.document, OpenedDocument::Purpose::Read, output);
     document.Report(output);
     constexpr auto left = Table::Alignment::Left;
     Table table({{Text::tr("Number"), Table::Alignment::Right, QLatin1String("id")},

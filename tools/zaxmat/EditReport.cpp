@@ -3,6 +3,7 @@
 #include "Output.h"
 #include "RecordChanges.h"
 #include "Text.h"
+#include "Twins.h"
 
 #include <algorithm>
 #include <iterator>
@@ -23,8 +24,9 @@ QList<ZAXMatDefinition> Valid(const QList<RecordEdit>& edits, ZAXMatDefinition R
 
 } // namespace
 
-void PrintEdits(const CommitResult& result, const QString& path, Output& output)
+void PrintEdits(const CommitResult& result, const Catalogue& catalogue, Output& output)
 {
+    const QString path = QuotedPath(catalogue.GetFilePath());
     if (result.isWritten || output.GetFormat() != Format::Table) {
         output.Print(ChangesTable(
             RecordChanges(Valid(result.edits, &RecordEdit::before), Valid(result.edits, &RecordEdit::after)),
@@ -34,11 +36,11 @@ void PrintEdits(const CommitResult& result, const QString& path, Output& output)
     if (result.isMerged)
         output.AddNote(
             Text::tr("somebody else changed other records of the catalogue meanwhile; both changes are in it."));
-    output.Print(result.isWritten
-                     ? Text::tr("Catalogue %1 saved: records added: %2, changed: %3, removed: %4")
-                           .arg(QuotedPath(path), QString::number(result.added), QString::number(result.changed),
-                                QString::number(result.removed))
-                     : Text::tr("Catalogue %1 holds this already; nothing was written.").arg(QuotedPath(path)));
+    NoteTwins(catalogue, result.edits, output);
+    output.Print(result.isWritten ? Text::tr("Catalogue %1 saved: records added: %2, changed: %3, removed: %4")
+                                        .arg(path, QString::number(result.added), QString::number(result.changed),
+                                             QString::number(result.removed))
+                                  : Text::tr("Catalogue %1 holds this already; nothing was written.").arg(path));
 }
 
 } // namespace zaxmat

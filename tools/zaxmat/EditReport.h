@@ -7,8 +7,9 @@ namespace zaxmat {
 
 class Output;
 
-/// Prints what the edit \a result of the catalogue in the file \a path came to: every change, and how many there were.
-void PrintEdits(const CommitResult& result, const QString& path, Output& output);
+/// Prints what the edit \a result of \a catalogue, as it was before, came to: every change, how many there were, and
+/// what the user should know of them.
+void PrintEdits(const CommitResult& result, const Catalogue& catalogue, Output& output);
 
 } // namespace zaxmat
 

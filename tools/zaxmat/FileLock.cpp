@@ -1,6 +1,7 @@
 #include "FileLock.h"
 
 #include "Failure.h"
+#include "Progress.h"
 #include "Text.h"
 
 #include <QDeadlineTimer>
@@ -10,6 +11,7 @@
 #include <QThread>
 
 #include <cerrno>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -56,14 +58,18 @@ Failure CannotLock(const QByteArray& lockPath, int error)
 
 } // namespace
 
-FileLock::FileLock(const QString& path, qint64 timeout) : m_lockPath(QFile::encodeName(path) + ".lock")
+FileLock::FileLock(const QString& path, const Output& output, qint64 timeout)
+    : m_lockPath(QFile::encodeName(path) + ".lock")
 {
     QDeadlineTimer deadline(timeout);
     QString holder;
+    std::optional<Progress> waiting;
     while (!TryLock()) {
         // Many may wait, and each gets its turn as long as those before it come to an end.
         if (const QString current = HolderText(m_lockPath); current != holder) {
             holder = current;
+            waiting.reset();
+            waiting.emplace(output, Text::tr("waiting for %1").arg(Printable(holder)));
             deadline.setRemainingTime(timeout);
         }
         if (deadline.hasExpired()) {

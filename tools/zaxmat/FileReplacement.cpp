@@ -22,29 +22,39 @@ Failure Unwritable(const QString& path, const QString& why)
             Text::tr("%1 cannot be written: %2. The catalogue is as it was.").arg(QuotedPath(path), why)};
 }
 
+/// What the file holds; null when it cannot be read.
+QByteArray BytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
-QString KeepCopy(const QString& path, const QByteArray& bytes)
+QString KeepCopy(const QString& path, const QByteArray& bytes, QLatin1String suffix)
 {
-    const auto nameOf = [&path](int i) {
-        return path + (i == 1 ? QLatin1String(".bak") : QLatin1String(".bak") + QString::number(i));
-    };
+    const auto nameOf = [&](int i) { return path + suffix + (i == 1 ? QString() : QString::number(i)); };
     int i = 1;
     while (QFileInfo::exists(nameOf(i)) || QFileInfo(nameOf(i)).isSymLink())
         ++i;
     QFile copy(nameOf(i));
+    const auto failure = [&](const QString& why) {
+        return Failure(ExitCode::FileFailure,
+                       Text::tr("%1 is left as it is, since no copy of it can be kept as %2: %3.")
+                           .arg(QuotedPath(path), QuotedPath(copy.fileName()), why));
+    };
     if (!copy.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        throw Unwritable(copy.fileName(), copy.errorString());
+        throw failure(copy.errorString());
     copy.setPermissions(QFile::permissions(path));
     const bool isWritten = copy.write(bytes) == bytes.size() && copy.flush() && fsync(copy.handle()) == 0;
     const QString reason = copy.errorString();
     copy.close();
     if (!isWritten) {
         copy.remove();
-        throw Unwritable(copy.fileName(), reason);
+        throw failure(reason);
     }
-    if (ReadCatalogueFile(copy.fileName()) != bytes)
-        throw Unwritable(copy.fileName(), Text::tr("it does not hold what was written"));
+    if (BytesOf(copy.fileName()) != bytes)
+        throw failure(Text::tr("it does not hold what was written"));
     return copy.fileName();
 }
 

@@ -8,10 +8,10 @@
 
 namespace zaxmat {
 
-/// A new file beside \a path that holds \a bytes, "materials.json.bak" or, where that is taken, "materials.json.bak2"
-/// and so on. Its bytes were read back.
-/// \throws Failure (FileFailure) when it cannot be written.
-QString KeepCopy(const QString& path, const QByteArray& bytes);
+/// A new file beside \a path that holds \a bytes, what \a path holds: with the \a suffix ".bak" it is
+/// "materials.json.bak" or, where that is taken, "materials.json.bak2" and so on. Its bytes are on the disk, and were
+/// read back. \throws Failure (FileFailure) when it cannot be written.
+QString KeepCopy(const QString& path, const QByteArray& bytes, QLatin1String suffix);
 
 /// Makes \a bytes the contents of the file \a path, which holds \a before: it is replaced as a whole, and read back.
 /// Its permissions stay. \throws Failure when it holds something else by now (FileChanged), or cannot be written

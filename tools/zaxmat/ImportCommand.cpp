@@ -10,6 +10,7 @@
 #include "RecordDifference.h"
 #include "Table.h"
 #include "Text.h"
+#include "Twins.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -177,12 +178,23 @@ QList<ImportedRow> PlanRows(const ImportOptions& options, const Catalogue& catal
     return plan.Plan([&](qsizetype done) { progress.Advance(done); });
 }
 
+/// What the rows do to the catalogue.
+QList<RecordEdit> EditsOf(const QList<ImportedRow>& rows)
+{
+    QList<RecordEdit> edits;
+    for (const ImportedRow& row : rows) {
+        if (row.kind == Kind::Added || row.kind == Kind::Changed)
+            edits.append({row.before, row.record});
+    }
+    return edits;
+}
+
 /// Writes what is to be added or changed. Whether there was anything to write.
 bool Write(const QList<ImportedRow>& rows, CatalogueEditor& editor)
 {
     for (const ImportedRow& row : rows) {
         if (row.kind == Kind::Added || row.kind == Kind::Changed)
-            editor.SetRecord(row.record);
+            editor.SetRecord(row.before, row.record);
     }
     return editor.Commit().isWritten;
 }
@@ -195,12 +207,16 @@ ExitCode RunImport(const ImportOptions& options, Output& output)
     QList<ImportedRow> rows;
     bool isWritten = false;
     if (options.isDryRun) {
-        rows = PlanRows(options, ReadCatalogue(options.catalogue), table, output);
+        const Catalogue catalogue = ReadCatalogue(options.catalogue);
+        rows = PlanRows(options, catalogue, table, output);
+        NoteTwins(catalogue, EditsOf(rows), output);
     } else {
-        CatalogueEditor editor(options.catalogue, CatalogueEditor::MissingFile::Create);
+        CatalogueEditor editor(options.catalogue, output, CatalogueEditor::MissingFile::Create);
         rows = PlanRows(options, editor.GetCatalogue(), table, output);
         if (options.isPartial || Count(rows, Kind::Rejected) == 0)
             isWritten = Write(rows, editor);
+        if (isWritten)
+            NoteTwins(editor.GetCatalogue(), EditsOf(rows), output);
     }
     PrintRows(rows, options.isDryRun, output);
     PrintCounts(rows, isWritten, options.isDryRun, output);

@@ -4,7 +4,11 @@
 #include "RecordDifference.h"
 #include "Text.h"
 
+#include "ZAXMatMaterial.h"
+#include "ZAXMatPackaging.h"
+
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace zaxmat {
@@ -43,6 +47,21 @@ QString Identity(ZAXMatDefinition::Type type, const QString& text)
     return QString::number(type) + u'\n' + text;
 }
 
+/// What tells records of one type apart for people: material, name and size.
+QString SizeText(const ZAXMatDefinition& record)
+{
+    const bool isMaterial = record.GetType() == ZAXMatDefinition::Material;
+    const QList<const char*> lengths =
+        isMaterial ? QList<const char*>{ZAXMatMaterial::Property_thickness}
+                   : QList<const char*>{ZAXMatPackaging::Property_length, ZAXMatPackaging::Property_width};
+    QStringList texts{QString::fromLatin1(record.GetMaterialKey()), record.GetName()};
+    for (const char* const length : lengths) {
+        const auto millimetres = LengthOf(QJsonValue::fromVariant(record.GetValue(length)));
+        texts.append(millimetres ? QString::number(std::round(*millimetres * 1e6), 'g', 17) : QString());
+    }
+    return texts.join(u'\n');
+}
+
 /// Whether any record of the catalogue holds the property.
 bool HoldsProperty(const Catalogue& catalogue, const PropertyName& name)
 {
@@ -62,18 +81,32 @@ ImportPlan::ImportPlan(const Catalogue& catalogue, const CsvTable& table, const 
 {
     if (table.rows.isEmpty())
         throw Failure(ExitCode::WrongUsage, Text::tr("The file is empty. Its first row names the properties."));
+    std::ranges::remove_copy_if(table.rows.sliced(1), std::back_inserter(m_rows), IsBlank);
     ReadTitles(table.rows.first());
-    m_reader.emplace(m_columns, table.separator != ',');
+    using DecimalComma = ValueReading::DecimalComma;
+    m_reader.emplace(m_columns, table.separator == ',' ? DecimalComma::Refused : DecimalComma::Usual);
     for (qsizetype column = 0; column < m_columns.size(); ++column)
         RequireKnown(column);
     ReadMatch(match);
-    std::ranges::remove_copy_if(table.rows.sliced(1), std::back_inserter(m_rows), IsBlank);
+}
+
+/// The cells of the first row. Those behind the last title are left out, as a separator at the end of each line makes
+/// them, unless something stands below.
+QStringList ImportPlan::TitlesOf(const CsvRow& titles) const
+{
+    QStringList cells = titles.cells;
+    const auto isBlankBelow = [this](qsizetype column) {
+        return std::ranges::all_of(m_rows, [&](const CsvRow& row) { return CellAt(row, column).trimmed().isEmpty(); });
+    };
+    while (cells.size() > 1 && cells.constLast().trimmed().isEmpty() && isBlankBelow(cells.size() - 1))
+        cells.removeLast();
+    return cells;
 }
 
 void ImportPlan::ReadTitles(const CsvRow& titles)
 {
     QSet<QString> fields;
-    for (const QString& title : titles.cells) {
+    for (const QString& title : TitlesOf(titles)) {
         const CsvColumn column = ColumnOf(title);
         if (fields.contains(column.field))
             throw WrongTitle(Text::tr("%1 is there twice.").arg(Quoted(column.field)));
@@ -168,9 +201,11 @@ ImportedRow ImportPlan::PlanRow(const CsvRow& row, Type type)
         const bool isMoved = !materialKey.isEmpty() && materialKey != before.GetMaterialKey();
         if (isMoved)
             after.SetMaterialKey(materialKey);
-        const bool isChanged = SetFields(row, after) || isMoved;
-        if (!before.IsValid())
+        const bool isChanged = SetFields(row, !before.IsValid(), after) || isMoved;
+        if (!before.IsValid()) {
             SetEmptyTexts(row, after);
+            RequireUnknown(row, after);
+        }
         if (type == ZAXMatDefinition::Material) {
             m_named.append({after.GetName(), after.GetKey()});
             m_fileKeys.insert(CellOf(row, Kind::Key), after.GetKey());
@@ -184,6 +219,31 @@ ImportedRow ImportPlan::PlanRow(const CsvRow& row, Type type)
         planned.reason = failure.GetMessage();
     }
     return planned;
+}
+
+/// \throws Failure when \a record, of a row that does not say which record it is about, is there already.
+void ImportPlan::RequireUnknown(const CsvRow& row, const ZAXMatDefinition& record)
+{
+    if (!m_match.isEmpty() || !CellOf(row, Kind::Key).trimmed().isEmpty())
+        return;
+    const Type type = record.GetType();
+    auto& known = m_known[type];
+    if (!known) {
+        known.emplace();
+        const auto& records =
+            type == ZAXMatDefinition::Material ? m_catalogue.ReadMaterials() : m_catalogue.ReadStockForms();
+        for (const CatalogueRecord& each : records)
+            known->insert(SizeText(each.ToDefinition()), each.GetKey());
+    }
+    if (const QByteArray key = known->value(SizeText(record)); !key.isEmpty()) {
+        const QString text = type == ZAXMatDefinition::Material
+                                 ? Text::tr("the catalogue has a material of this name and thickness already, under "
+                                            "the key %1; give the key, or match rows by --match name,thickness")
+                                 : Text::tr("the catalogue has a stock form of this name and size already, under the "
+                                            "key %1; give the key, or match rows by --match name");
+        throw Rejected(text.arg(Quoted(QString::fromLatin1(key))));
+    }
+    RequireFirst(row, Identity(type, SizeText(record)));
 }
 
 /// The record that the row is about; an invalid one for a new record. \a materialKey becomes the key of the material
@@ -293,13 +353,13 @@ void ImportPlan::SetEmptyTexts(const CsvRow& row, ZAXMatDefinition& record) cons
 
 /// Puts all cells of the row into \a record. Whether that changes it.
 /// \throws Failure that tells what is wrong with each.
-bool ImportPlan::SetFields(const CsvRow& row, ZAXMatDefinition& record)
+bool ImportPlan::SetFields(const CsvRow& row, bool isNew, ZAXMatDefinition& record)
 {
     QStringList complaints;
     bool isChanged = false;
     for (qsizetype column = 0; column < m_columns.size(); ++column) {
         try {
-            isChanged = SetField(row, column, record) || isChanged;
+            isChanged = SetField(row, column, isNew, record) || isChanged;
         } catch (const Failure& failure) {
             complaints.append(failure.GetMessage());
         }
@@ -309,12 +369,13 @@ bool ImportPlan::SetFields(const CsvRow& row, ZAXMatDefinition& record)
     return isChanged;
 }
 
-bool ImportPlan::SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record)
+bool ImportPlan::SetField(const CsvRow& row, qsizetype column, bool isNew, ZAXMatDefinition& record)
 {
     const CsvColumn& csv = m_columns[column];
     const QString text = CellAt(row, column);
-    // An empty cell leaves alone what there is.
-    if (text.trimmed().isEmpty())
+    // An empty cell leaves alone what there is, and so does one that found the record, if only to a millionth.
+    const bool isMatched = !isNew && m_match.contains(column);
+    if (isMatched || text.trimmed().isEmpty())
         return false;
     if (csv.kind == Kind::Name && text != record.GetName()) {
         record.SetName(text);

@@ -58,6 +58,7 @@ public:
 private:
     using Type = ZAXMatDefinition::Type;
 
+    QStringList TitlesOf(const CsvRow& titles) const;
     void ReadTitles(const CsvRow& titles);
     void RequireKnown(qsizetype column) const;
     void ReadMatch(const QStringList& match);
@@ -67,14 +68,15 @@ private:
     QString CellOf(const CsvRow& row, CsvColumn::Kind kind) const;
 
     ImportedRow PlanRow(const CsvRow& row, Type type);
+    void RequireUnknown(const CsvRow& row, const ZAXMatDefinition& record);
     ZAXMatDefinition FindTarget(const CsvRow& row, Type type, QByteArray& materialKey);
     ZAXMatDefinition FindByKey(const CsvRow& row, Type type) const;
     ZAXMatDefinition FindByMatch(const CsvRow& row, Type type, const QByteArray& materialKey);
     ZAXMatDefinition NewRecord(const CsvRow& row, Type type, const QByteArray& materialKey) const;
     void RequireFirst(const CsvRow& row, const QString& identity);
     void SetEmptyTexts(const CsvRow& row, ZAXMatDefinition& record) const;
-    bool SetFields(const CsvRow& row, ZAXMatDefinition& record);
-    bool SetField(const CsvRow& row, qsizetype column, ZAXMatDefinition& record);
+    bool SetFields(const CsvRow& row, bool isNew, ZAXMatDefinition& record);
+    bool SetField(const CsvRow& row, qsizetype column, bool isNew, ZAXMatDefinition& record);
     void CheckValue(qsizetype column, Type type, const QString& text, const QVariant& value);
 
     ZAXMatDefinition RecordOf(Type type, const QByteArray& key) const;
@@ -103,6 +105,8 @@ private:
     QList<std::pair<QString, QByteArray>> m_named;
     std::optional<QHash<QString, QSet<QByteArray>>> m_materialsByName;
     std::array<std::optional<QHash<QString, QList<QByteArray>>>, 2> m_byMatch;
+    /// The keys of the catalogue's records by what tells them apart for people.
+    std::array<std::optional<QHash<QString, QByteArray>>, 2> m_known;
 };
 
 } // namespace zaxmat

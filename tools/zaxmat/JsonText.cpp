@@ -7,11 +7,18 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#ifdef __SSE2__
+#define RAPIDJSON_SSE2
+#endif
 #include <rapidjson/error/en.h>
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <string_view>
+#include <vector>
 
 namespace zaxmat {
 
@@ -117,6 +124,38 @@ private:
     JsonNode& m_root;
     // A value that is still open is the last of its parent, so that it does not move.
     std::vector<JsonNode*> m_open;
+};
+
+/// Looks for members of one name in an object by the hashes of the names.
+class NameHashes : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, NameHashes>
+{
+public:
+    bool Key(const char* text, rapidjson::SizeType size, bool)
+    {
+        m_hashes.push_back(std::hash<std::string_view>()({text, size}));
+        return true;
+    }
+    bool StartObject()
+    {
+        m_begins.push_back(m_hashes.size());
+        return true;
+    }
+    /// False, which ends the parsing, for an object that has two equal ones.
+    bool EndObject(rapidjson::SizeType)
+    {
+        const auto begin = m_hashes.begin() + static_cast<std::ptrdiff_t>(m_begins.back());
+        m_begins.pop_back();
+        std::sort(begin, m_hashes.end());
+        const bool isRepeated = std::adjacent_find(begin, m_hashes.end()) != m_hashes.end();
+        m_hashes.erase(begin, m_hashes.end());
+        return !isRepeated;
+    }
+
+private:
+    /// Of the objects that are open, one behind the other.
+    std::vector<size_t> m_hashes;
+    /// Where those of each object begin.
+    std::vector<size_t> m_begins;
 };
 
 JsonError::Kind KindOf(rapidjson::ParseErrorCode code, QByteArrayView bytes, qsizetype offset)
@@ -241,6 +280,16 @@ JsonText ParseJsonText(const QByteArray& bytes)
     if (!text.error)
         text.error = QtError(bytes);
     return text;
+}
+
+bool MayRepeatMembers(const QByteArray& bytes)
+{
+    const qsizetype start = bytes.startsWith(byteOrderMark) ? byteOrderMark.size() : 0;
+    rapidjson::MemoryStream stream(bytes.constData() + start, static_cast<size_t>(bytes.size() - start));
+    NameHashes names;
+    rapidjson::Reader reader;
+    // What Qt takes does not nest too deeply for recursion.
+    return reader.Parse<rapidjson::kParseNumbersAsStringsFlag>(stream, names).IsError();
 }
 
 const JsonMember* FindRepeatedMember(const JsonNode& node)

@@ -81,6 +81,10 @@ struct JsonText
 /// Parses UTF-8, with or without a byte order mark. Objects and arrays nest at most 1024 deep.
 JsonText ParseJsonText(const QByteArray& bytes);
 
+/// Whether an object in \a bytes, which Qt has parsed, may have two members of one name: false for nearly all texts in
+/// which none has, at a fraction of the time that it takes to parse them.
+bool MayRepeatMembers(const QByteArray& bytes);
+
 /// The first member in \a node, or below it, whose name its object has twice; null when there is none.
 const JsonMember* FindRepeatedMember(const JsonNode& node);
 

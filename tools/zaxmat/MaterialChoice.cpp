@@ -5,6 +5,7 @@
 #include "Properties.h"
 #include "Records.h"
 #include "Text.h"
+#include "Values.h"
 
 #include "ZAXMatMaterial.h"
 #include "ZAXMatPackaging.h"
@@ -23,6 +24,8 @@ std::optional<double> WantedThickness(const MaterialRequest& request)
     if (request.thickness.isEmpty())
         return std::nullopt;
     const auto thickness = ZAXSysValue::FromString(ZAXSysQuantity::Length, request.thickness);
+    if (const QString why = AmbiguityOf(request.thickness); !why.isEmpty())
+        throw Failure(ExitCode::WrongUsage, Text::tr("--thickness: %1 %2").arg(Quoted(request.thickness), why));
     if (!thickness) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("--thickness: %1 is no length. Give a number of millimetres, or a number with its "
@@ -34,11 +37,11 @@ std::optional<double> WantedThickness(const MaterialRequest& request)
 
 /// The one material that \a request names.
 ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const MaterialRequest& request,
-                              std::optional<double> thickness)
+                              std::optional<double> thickness, LengthUnit unit)
 {
     const auto candidates = FindMaterials(catalogue, request.material);
     if (candidates.isEmpty())
-        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, request.material));
+        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, request.material, unit));
     QList<ZAXMatDefinition> fitting;
     std::ranges::copy_if(candidates, std::back_inserter(fitting), [&](const ZAXMatDefinition& material) {
         const auto own = ThicknessOf(material);
@@ -46,13 +49,13 @@ ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const MaterialRequest&
     });
     if (fitting.isEmpty()) {
         throw Failure(ExitCode::WrongUsage, Text::tr("There is no %1 with a thickness of %2, but:\n%3")
-                                                .arg(Quoted(request.material), ZAXSysLengthValue(*thickness).ToString(),
-                                                     MaterialLines(candidates)));
+                                                .arg(Quoted(request.material), LengthText(*thickness, unit),
+                                                     MaterialLines(candidates, unit)));
     }
     if (fitting.size() > 1) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("Several materials are called %1. Choose one with --thickness or by its key:\n%2")
-                          .arg(Quoted(request.material), MaterialLines(fitting)));
+                          .arg(Quoted(request.material), MaterialLines(fitting, unit)));
     }
     return fitting.constFirst();
 }
@@ -75,27 +78,27 @@ double ChooseThickness(const ZAXMatDefinition& material, std::optional<double> w
 
 /// The one of \a stockForms that \a name stands for.
 ZAXMatDefinition ChooseStockForm(const QList<ZAXMatDefinition>& stockForms, const QString& name,
-                                 const ZAXMatDefinition& material)
+                                 const ZAXMatDefinition& material, LengthUnit unit)
 {
     const auto found = FindStockForms(stockForms, name);
     if (found.isEmpty() && stockForms.isEmpty())
         throw Failure(ExitCode::WrongUsage,
-                      Text::tr("%1 has no stock forms in the catalogue.").arg(Quoted(MaterialTitle(material))));
+                      Text::tr("%1 has no stock forms in the catalogue.").arg(Quoted(MaterialTitle(material, unit))));
     if (found.isEmpty()) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 has no stock form %2, but:\n%3")
-                          .arg(Quoted(MaterialTitle(material)), Quoted(name), StockFormLines(stockForms)));
+                          .arg(Quoted(MaterialTitle(material, unit)), Quoted(name), StockFormLines(stockForms)));
     }
     if (found.size() > 1) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("Several stock forms are called %1 in %2. Choose one by its key:\n%3")
-                          .arg(Quoted(name), Quoted(MaterialTitle(material)), StockFormLines(found)));
+                          .arg(Quoted(name), Quoted(MaterialTitle(material, unit)), StockFormLines(found)));
     }
     return found.constFirst();
 }
 
 QList<ZAXMatDefinition> ChooseStockForms(const Catalogue& catalogue, const ZAXMatDefinition& material,
-                                         const QStringList& names)
+                                         const QStringList& names, LengthUnit unit)
 {
     const QList<ZAXMatDefinition> stockForms = catalogue.GetStockForms(material.GetKey());
     QList<ZAXMatDefinition> chosen;
@@ -104,7 +107,7 @@ QList<ZAXMatDefinition> ChooseStockForms(const Catalogue& catalogue, const ZAXMa
             return stockForm.GetValue(ZAXMatPackaging::Property_isActive).toBool();
         });
     for (const QString& name : names) {
-        const ZAXMatDefinition stockForm = ChooseStockForm(stockForms, name, material);
+        const ZAXMatDefinition stockForm = ChooseStockForm(stockForms, name, material, unit);
         if (!std::ranges::count(chosen, stockForm.GetKey(), &ZAXMatDefinition::GetKey))
             chosen.append(stockForm);
     }
@@ -113,14 +116,14 @@ QList<ZAXMatDefinition> ChooseStockForms(const Catalogue& catalogue, const ZAXMa
 
 } // namespace
 
-MaterialChoice ChooseMaterial(const Catalogue& catalogue, const MaterialRequest& request)
+MaterialChoice ChooseMaterial(const Catalogue& catalogue, const MaterialRequest& request, LengthUnit unit)
 {
     const auto thickness = WantedThickness(request);
     MaterialChoice choice;
     choice.providerId = catalogue.GetProviderId();
-    choice.material = ChooseRecord(catalogue, request, thickness);
+    choice.material = ChooseRecord(catalogue, request, thickness, unit);
     choice.thickness = ChooseThickness(choice.material, thickness);
-    choice.stockForms = ChooseStockForms(catalogue, choice.material, request.stockForms);
+    choice.stockForms = ChooseStockForms(catalogue, choice.material, request.stockForms, unit);
     choice.hasStockForms = catalogue.CountStockForms(choice.material.GetKey()) > 0;
     return choice;
 }

@@ -1,6 +1,8 @@
 #ifndef ZAXMAT_MATERIALCHOICE_H
 #define ZAXMAT_MATERIALCHOICE_H
 
+#include "Output.h"
+
 #include "ZAXMatDefinition.h"
 
 #include <QByteArray>
@@ -39,7 +41,7 @@ struct MaterialChoice
 /// \throws Failure (WrongUsage) when something requested is not in the catalogue, is there several times or is no
 /// thickness, with what there is instead; (InvalidValues) when the catalogue holds something for a thickness that is
 /// none.
-MaterialChoice ChooseMaterial(const Catalogue& catalogue, const MaterialRequest& request);
+MaterialChoice ChooseMaterial(const Catalogue& catalogue, const MaterialRequest& request, LengthUnit unit);
 
 } // namespace zaxmat
 

@@ -2,6 +2,7 @@
 
 #include "CommandOptions.h"
 #include "Failure.h"
+#include "FileReplacement.h"
 #include "Output.h"
 #include "Text.h"
 
@@ -28,26 +29,15 @@ QLatin1String KindName(ZAXHostProblem::Kind kind)
     return QLatin1String("damaged");
 }
 
+/// \throws Failure (FileFailure) when the file \a path cannot be read.
 QByteArray BytesOf(const QString& path)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Keeps a copy of the file \a path beside it, under a name that is free, and gives that.
-/// \throws Failure (FileFailure) when there is no copy of every byte in the end.
-QString KeepCopy(const QString& path)
-{
-    QString copy = path + QLatin1String(".damaged");
-    for (int number = 2; QFile::exists(copy); ++number)
-        copy = path + QLatin1String(".damaged-") + QString::number(number);
-    QFile file(path);
-    if (!file.copy(copy) || BytesOf(copy) != BytesOf(path)) {
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (file.error() != QFile::NoError)
         throw Failure(ExitCode::FileFailure,
-                      Text::tr("The document %1 is not saved, since the damaged file cannot be kept as %2: %3.")
-                          .arg(QuotedPath(path), QuotedPath(copy), file.errorString()));
-    }
-    return copy;
+                      Text::tr("The document %1 cannot be read: %2.").arg(QuotedPath(path), file.errorString()));
+    return bytes;
 }
 
 } // namespace
@@ -73,9 +63,10 @@ void AddObjectArgument(CLI::App& command, QString& target)
         ->required();
 }
 
-OpenedDocument::OpenedDocument(const DocumentOptions& options, Purpose purpose)
+OpenedDocument::OpenedDocument(const DocumentOptions& options, Purpose purpose, const Output& output)
 {
-    if (!OpenDocument(m_document, options.file, ZAXHostDocument::RecoverDamage))
+    const auto open = purpose == Purpose::Change ? OpenDocumentForChange : OpenDocument;
+    if (!open(m_document, options.file, ZAXHostDocument::RecoverDamage, output))
         throw Failure(ExitCode::FileFailure, Text::tr("The document %1 does not exist.").arg(QuotedPath(options.file)));
     RequireUse(options, purpose);
     m_bytesBefore = m_document.Encode();
@@ -117,8 +108,8 @@ void OpenedDocument::Report(Output& output) const
             output.AddNote(problem.message);
     }
     if (m_document.IsDamaged()) {
-        PrintError(Text::tr("The document %1 is damaged. This is what is left of it.\n%2")
-                       .arg(QuotedPath(m_document.GetPath()), DamageLines()));
+        output.PrintError(Text::tr("The document %1 is damaged. This is what is left of it.\n%2")
+                              .arg(QuotedPath(m_document.GetPath()), DamageLines()));
     }
 }
 
@@ -148,7 +139,7 @@ void OpenedDocument::Save(Output& output)
         return;
     }
     if (m_isDamageAccepted) {
-        const QString copy = KeepCopy(path);
+        const QString copy = KeepCopy(path, BytesOf(path), QLatin1String(".damaged"));
         output.AddNote(Text::tr("The damaged file is kept as %1.").arg(QuotedPath(copy)));
         m_document.AcceptDamage();
     }

@@ -43,8 +43,9 @@ public:
         Change, ///< the file must be ours, and damage must have been accepted
     };
 
+    /// Opens the file; to change it, once others have given it back. The progress line of \a output tells of that.
     /// \throws Failure (FileFailure) when the file cannot be read, or not be used for \a purpose.
-    OpenedDocument(const DocumentOptions& options, Purpose purpose);
+    OpenedDocument(const DocumentOptions& options, Purpose purpose, const Output& output);
 
     ZAXHostDocument& Get() { return m_document; }
     const ZAXHostDocument& Get() const { return m_document; }

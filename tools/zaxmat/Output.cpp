@@ -1,6 +1,7 @@
 #include "Output.h"
 
 #include "Csv.h"
+#include "Progress.h"
 #include "Table.h"
 #include "Text.h"
 
@@ -15,15 +16,6 @@ namespace zaxmat {
 
 namespace {
 
-/// The lines of \a rows as RFC 4180 has them.
-QByteArray ToCsv(const QList<QStringList>& rows)
-{
-    QByteArray csv;
-    for (const QStringList& row : rows)
-        csv += CsvLine(row);
-    return csv;
-}
-
 void PrintLine(const QString& line, Emphasis emphasis)
 {
     const QByteArray text =
@@ -32,6 +24,14 @@ void PrintLine(const QString& line, Emphasis emphasis)
 }
 
 } // namespace
+
+Output::Output(const OutputOptions& options)
+    : m_options(options), m_progressLine(std::make_unique<ProgressLine>(!options.isQuiet && IsTerminal(stderr)))
+{
+    m_progressLine->Show(Text::tr("working"));
+}
+
+Output::~Output() = default;
 
 QString Output::Emphasize(const QString& text, Emphasis emphasis) const
 {
@@ -52,7 +52,9 @@ void Output::Print(const Table& table)
     case Format::Json:
         return PrintJson(table.ToJson());
     case Format::Csv:
-        m_text += ToCsv(table.ToTexts());
+        const QList<QStringList> rows = table.ToTexts();
+        for (const QStringList& row : rows)
+            m_text += CsvLine(row);
     }
 }
 
@@ -74,8 +76,15 @@ void Output::AddNote(const QString& note)
         m_notes.append(note);
 }
 
+void Output::PrintError(const QString& message)
+{
+    m_progressLine->Stop();
+    zaxmat::PrintError(message);
+}
+
 bool Output::Write(QString* reason)
 {
+    m_progressLine->Stop();
     for (const QString& note : std::as_const(m_notes))
         PrintLine(Text::tr("note: %1").arg(note), Emphasis::None);
     QFile file;

@@ -8,8 +8,11 @@
 #include <QString>
 #include <QStringList>
 
+#include <memory>
+
 namespace zaxmat {
 
+class ProgressLine;
 class Table;
 
 /// What results are printed as.
@@ -44,7 +47,10 @@ struct OutputOptions
 class Output
 {
 public:
-    explicit Output(const OutputOptions& options = {}) : m_options(options) {}
+    explicit Output(const OutputOptions& options = {});
+    ~Output();
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
 
     Format GetFormat() const { return m_options.format; }
     bool IsQuiet() const { return m_options.isQuiet; }
@@ -65,6 +71,11 @@ public:
     void PrintJson(const QJsonValue& value);
     /// Keeps a remark that does not belong to the results. It goes to the standard error, unless quiet was asked for.
     void AddNote(const QString& note);
+    /// The line that tells what a command is at, until anything else is written. There unless quiet was asked for, or
+    /// the standard error is no terminal.
+    ProgressLine& GetProgressLine() const { return *m_progressLine; }
+    /// Writes \a message to the standard error at once, as PrintError() does.
+    void PrintError(const QString& message);
     /// Writes the notes and what was printed. False, with \a reason, when the standard output does not take it all.
     bool Write(QString* reason);
 
@@ -73,6 +84,7 @@ private:
     bool m_isColoured = zaxmat::IsColoured(stdout);
     QByteArray m_text;
     QStringList m_notes;
+    std::unique_ptr<ProgressLine> m_progressLine;
 };
 
 /// Writes \a message to the standard error, under the name of the program.

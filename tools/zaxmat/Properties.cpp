@@ -92,6 +92,15 @@ QMetaProperty FindProperty(const QMetaObject* type, const QByteArray& name)
     return type ? type->property(type->indexOfProperty(name)) : QMetaProperty();
 }
 
+std::optional<ZAXSysQuantity> QuantityOf(const QMetaProperty& property)
+{
+    if (property.metaType() == QMetaType::fromType<ZAXSysLengthValue>())
+        return ZAXSysQuantity::Length;
+    if (property.metaType() == QMetaType::fromType<ZAXSysDensityValue>())
+        return ZAXSysQuantity::Density;
+    return std::nullopt;
+}
+
 QString PropertyLabel(const QMetaObject* type, const QByteArray& name)
 {
     const int index = type ? type->indexOfClassInfo("PropertyLabel_" + name) : -1;

@@ -5,6 +5,7 @@
 #include "Schema.h"
 
 #include "ZAXMatDefinition.h"
+#include "ZAXSysValue.h"
 
 #include <QByteArray>
 #include <QJsonValue>
@@ -12,6 +13,8 @@
 #include <QMetaProperty>
 #include <QString>
 #include <QVariant>
+
+#include <optional>
 
 namespace zaxmat {
 
@@ -31,6 +34,9 @@ QList<QByteArray> PropertiesOf(const ZAXMatDefinition& record, const QByteArray&
 
 /// The property \a name of \a type, which may be null; an invalid one when there is none.
 QMetaProperty FindProperty(const QMetaObject* type, const QByteArray& name);
+
+/// What kind of numbers with a unit \a property takes; empty for none.
+std::optional<ZAXSysQuantity> QuantityOf(const QMetaProperty& property);
 
 /// The label of the property \a name of \a type, which may be null, in the user's language; the name when there is
 /// none.

@@ -130,7 +130,7 @@ Table ChangesTable(const QList<RecordChange>& changes, LengthUnit unit)
         const bool isMaterial = record.GetType() == ZAXMatDefinition::Material;
         const Cell word(ChangeTitle(change.kind), QJsonValue(ChangeWord(change.kind)), EmphasisOf(change.kind));
         const Cell type(QString(), QJsonValue(isMaterial ? QLatin1String("material") : QLatin1String("stock form")));
-        const Cell name(isMaterial ? MaterialTitle(record) : record.GetName(), QJsonValue(record.GetName()));
+        const Cell name(isMaterial ? MaterialTitle(record, unit) : record.GetName(), QJsonValue(record.GetName()));
         const Cell key = QString::fromLatin1(record.GetKey());
         const Cell nothing{QString(), QJsonValue()};
         if (change.fields.isEmpty())

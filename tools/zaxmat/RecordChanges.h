@@ -39,7 +39,7 @@ QList<RecordChange> RecordChanges(const QList<ZAXMatDefinition>& before, const Q
 QString ChangeWord(RecordChange::Kind kind);
 
 /// The changes as a table with a row per record that was added or removed and per field that changed.
-Table ChangesTable(const QList<RecordChange>& changes, LengthUnit unit = LengthUnit::Millimetre);
+Table ChangesTable(const QList<RecordChange>& changes, LengthUnit unit);
 
 /// The two values of \a field, a field of \a record, told apart even where they read alike, as 5 and "5" do.
 std::pair<Cell, Cell> ValueCells(const ZAXMatDefinition& record, const FieldDifference& field, LengthUnit unit);

@@ -18,55 +18,56 @@ Failure Ambiguous(const QString& text, const QString& lines)
 }
 
 /// The stock forms with their materials for a message, one per line.
-QString PlacedLines(const QList<ZAXMatDefinition>& stockForms, const Catalogue& catalogue)
+QString PlacedLines(const QList<ZAXMatDefinition>& stockForms, const Catalogue& catalogue, LengthUnit unit)
 {
     QList<ZAXMatDefinition> titled = stockForms;
     for (ZAXMatDefinition& stockForm : titled) {
         const ZAXMatDefinition material = catalogue.GetMaterial(stockForm.GetMaterialKey());
-        stockForm.SetName(Text::tr("%1 of %2").arg(stockForm.GetName(), MaterialTitle(material)));
+        stockForm.SetName(Text::tr("%1 of %2").arg(stockForm.GetName(), MaterialTitle(material, unit)));
     }
     return StockFormLines(titled);
 }
 
-ZAXMatDefinition ChooseStockForm(const Catalogue& catalogue, const QList<ZAXMatDefinition>& found, const QString& text)
+ZAXMatDefinition ChooseStockForm(const Catalogue& catalogue, const QList<ZAXMatDefinition>& found, const QString& text,
+                                 LengthUnit unit)
 {
     if (found.size() > 1)
-        throw Ambiguous(text, PlacedLines(found, catalogue));
+        throw Ambiguous(text, PlacedLines(found, catalogue, unit));
     return found.constFirst();
 }
 
 } // namespace
 
-ZAXMatDefinition ChooseMaterialRecord(const Catalogue& catalogue, const QString& text)
+ZAXMatDefinition ChooseMaterialRecord(const Catalogue& catalogue, const QString& text, LengthUnit unit)
 {
     const auto materials = FindMaterials(catalogue, text);
     if (materials.isEmpty())
-        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, text));
+        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, text, unit));
     if (materials.size() > 1)
-        throw Ambiguous(text, MaterialLines(materials));
+        throw Ambiguous(text, MaterialLines(materials, unit));
     return materials.constFirst();
 }
 
-ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const RecordRequest& request)
+ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const RecordRequest& request, LengthUnit unit)
 {
     if (!request.material.isEmpty()) {
-        const ZAXMatDefinition material = ChooseMaterialRecord(catalogue, request.material);
+        const ZAXMatDefinition material = ChooseMaterialRecord(catalogue, request.material, unit);
         const auto stockForms = catalogue.GetStockForms(material.GetKey());
         const auto found = FindStockForms(stockForms, request.record);
         if (found.isEmpty()) {
             throw Failure(ExitCode::WrongUsage, Text::tr("%1 has no stock form %2.\n%3")
-                                                    .arg(Quoted(MaterialTitle(material)), Quoted(request.record),
+                                                    .arg(Quoted(MaterialTitle(material, unit)), Quoted(request.record),
                                                          stockForms.isEmpty() ? Text::tr("It has none at all.")
                                                                               : StockFormLines(stockForms)));
         }
-        return ChooseStockForm(catalogue, found, request.record);
+        return ChooseStockForm(catalogue, found, request.record, unit);
     }
     if (!FindMaterials(catalogue, request.record).isEmpty())
-        return ChooseMaterialRecord(catalogue, request.record);
+        return ChooseMaterialRecord(catalogue, request.record, unit);
     const auto stockForms = FindStockForms(catalogue, request.record);
     if (stockForms.isEmpty())
-        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, request.record));
-    return ChooseStockForm(catalogue, stockForms, request.record);
+        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, request.record, unit));
+    return ChooseStockForm(catalogue, stockForms, request.record, unit);
 }
 
 void AddRecordArgument(CLI::App& command, RecordRequest& target)

@@ -2,6 +2,7 @@
 #define ZAXMAT_RECORDCHOICE_H
 
 #include "CommandOptions.h"
+#include "Output.h"
 
 #include "ZAXMatDefinition.h"
 
@@ -22,11 +23,11 @@ struct RecordRequest
 
 /// The one material that \a text stands for.
 /// \throws Failure (WrongUsage) when there is none, or several.
-ZAXMatDefinition ChooseMaterialRecord(const Catalogue& catalogue, const QString& text);
+ZAXMatDefinition ChooseMaterialRecord(const Catalogue& catalogue, const QString& text, LengthUnit unit);
 
 /// The one record that \a request names.
 /// \throws Failure (WrongUsage) when there is none, or several.
-ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const RecordRequest& request);
+ZAXMatDefinition ChooseRecord(const Catalogue& catalogue, const RecordRequest& request, LengthUnit unit);
 
 /// Declares the argument and the option of \a command that say which record is meant.
 void AddRecordArgument(CLI::App& command, RecordRequest& target);

@@ -4,6 +4,7 @@
 
 #include <QJsonValue>
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -34,6 +35,18 @@ QVariant MaterialKeyOf(const ZAXMatDefinition& record)
 QVariant TypeOf(const ZAXMatDefinition& record)
 {
     return record.IsValid() ? static_cast<int>(record.GetType()) : QVariant();
+}
+
+/// Whether \a record holds all values that \a other does.
+bool HasValuesOf(const ZAXMatDefinition& record, const ZAXMatDefinition& other)
+{
+    const QList<QByteArray> extensions = other.GetDefinedExtensions();
+    return std::ranges::all_of(extensions, [&](const QByteArray& extension) {
+        const QList<QByteArray> properties = other.GetDefinedProperties(extension);
+        return std::ranges::all_of(properties, [&](const QByteArray& property) {
+            return zaxmat::IsSameValue(record.GetValue(property, extension), other.GetValue(property, extension));
+        });
+    });
 }
 
 } // namespace
@@ -69,7 +82,8 @@ QList<FieldDifference> DifferencesOf(const ZAXMatDefinition& before, const ZAXMa
 
 bool IsSameRecord(const ZAXMatDefinition& a, const ZAXMatDefinition& b)
 {
-    return a.GetMaterialKey() == b.GetMaterialKey() && (a == b || DifferencesOf(a, b).isEmpty());
+    return IsSameValue(NameOf(a), NameOf(b)) && IsSameValue(MaterialKeyOf(a), MaterialKeyOf(b)) &&
+           IsSameValue(TypeOf(a), TypeOf(b)) && HasValuesOf(a, b) && HasValuesOf(b, a);
 }
 
 QString FieldName(const QByteArray& extension, const QByteArray& property)

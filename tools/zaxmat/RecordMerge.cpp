@@ -133,6 +133,13 @@ QString MemberOf(const ZAXMatDefinition& record, const QJsonObject& root, const 
 /// another: inserting new ones into \a root would move the rest of it each time.
 QJsonObject WithMembers(const QJsonObject& root, const QMap<QString, QJsonValue>& changed)
 {
+    const auto replaces = [&](const QString& name) { return root.contains(name) && !changed[name].isUndefined(); };
+    if (std::ranges::all_of(changed.keys(), replaces)) {
+        QJsonObject result = root;
+        for (auto each = changed.cbegin(); each != changed.cend(); ++each)
+            result[each.key()] = each.value();
+        return result;
+    }
     QJsonObject result;
     auto change = changed.cbegin();
     const auto putChangesUpTo = [&](const QString& name) {

@@ -163,11 +163,11 @@ QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit)
     return material.GetName() + QLatin1String(", ") + LengthText(*thickness, unit);
 }
 
-QString MaterialLines(const QList<ZAXMatDefinition>& materials)
+QString MaterialLines(const QList<ZAXMatDefinition>& materials, LengthUnit unit)
 {
     Table table({{}, {}});
     for (const ZAXMatDefinition& material : materials)
-        table.AddRow({QLatin1String("  ") + MaterialTitle(material), QString::fromLatin1(material.GetKey())});
+        table.AddRow({QLatin1String("  ") + MaterialTitle(material, unit), QString::fromLatin1(material.GetKey())});
     return table.ToText();
 }
 
@@ -179,7 +179,7 @@ QString StockFormLines(const QList<ZAXMatDefinition>& stockForms)
     return table.ToText();
 }
 
-QString UnknownMaterialText(const Catalogue& catalogue, const QString& text)
+QString UnknownMaterialText(const Catalogue& catalogue, const QString& text, LengthUnit unit)
 {
     constexpr qsizetype mostShown = 10;
     const auto similar = Definitions(Matching(catalogue.ReadMaterials(), [&](const CatalogueRecord& material) {
@@ -188,7 +188,7 @@ QString UnknownMaterialText(const Catalogue& catalogue, const QString& text)
     }));
     QStringList lines{Text::tr("The catalogue %1 has no %2.").arg(QuotedPath(catalogue.GetFilePath()), Quoted(text))};
     if (!similar.isEmpty())
-        lines << Text::tr("Similar:") << MaterialLines(similar.first(std::min(similar.size(), mostShown)));
+        lines << Text::tr("Similar:") << MaterialLines(similar.first(std::min(similar.size(), mostShown)), unit);
     if (similar.isEmpty() || similar.size() > mostShown)
         lines << Text::tr("\"zaxmat list\" shows all materials.");
     return lines.join(u'\n');

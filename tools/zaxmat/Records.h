@@ -40,16 +40,16 @@ QList<ZAXMatDefinition> FindStockForms(const QList<ZAXMatDefinition>& stockForms
 QList<ZAXMatDefinition> FindStockForms(const Catalogue& catalogue, const QString& text);
 
 /// The name of a material with its thickness, where it has one.
-QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit = LengthUnit::Millimetre);
+QString MaterialTitle(const ZAXMatDefinition& material, LengthUnit unit);
 
 /// The materials for a message, one per line, with what tells them apart.
-QString MaterialLines(const QList<ZAXMatDefinition>& materials);
+QString MaterialLines(const QList<ZAXMatDefinition>& materials, LengthUnit unit);
 /// The stock forms for a message, one per line, with what tells them apart.
 QString StockFormLines(const QList<ZAXMatDefinition>& stockForms);
 
 /// Says that the catalogue has no material, or nothing at all, called \a text, what comes close to it, and where to
 /// look.
-QString UnknownMaterialText(const Catalogue& catalogue, const QString& text);
+QString UnknownMaterialText(const Catalogue& catalogue, const QString& text, LengthUnit unit);
 
 } // namespace zaxmat
 

@@ -12,20 +12,20 @@ namespace zaxmat {
 
 ExitCode RunRemove(const RemoveOptions& options, Output& output)
 {
-    CatalogueEditor editor(options.catalogue);
-    const ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request);
+    CatalogueEditor editor(options.catalogue, output);
+    const ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request, output.GetUnit());
     const auto stockForms = record.GetType() == ZAXMatDefinition::Material
                                 ? editor.GetCatalogue().GetStockForms(record.GetKey())
                                 : QList<ZAXMatDefinition>();
     if (!stockForms.isEmpty() && !options.isConfirmed) {
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("With %1 these stock forms would go. Say --yes to remove them too:\n%2")
-                          .arg(Quoted(MaterialTitle(record)), StockFormLines(stockForms)));
+                          .arg(Quoted(MaterialTitle(record, output.GetUnit())), StockFormLines(stockForms)));
     }
     editor.RemoveRecord(record.GetType(), record.GetKey());
     for (const ZAXMatDefinition& stockForm : stockForms)
         editor.RemoveRecord(stockForm.GetType(), stockForm.GetKey());
-    PrintEdits(editor.Commit(), editor.GetCatalogue().GetFilePath(), output);
+    PrintEdits(editor.Commit(), editor.GetCatalogue(), output);
     return ExitCode::Done;
 }
 

@@ -10,11 +10,11 @@ namespace zaxmat {
 
 ExitCode RunRename(const RenameOptions& options, Output& output)
 {
-    CatalogueEditor editor(options.catalogue);
-    ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request);
+    CatalogueEditor editor(options.catalogue, output);
+    ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request, output.GetUnit());
     record.SetName(options.name);
     editor.SetRecord(record);
-    PrintEdits(editor.Commit(), editor.GetCatalogue().GetFilePath(), output);
+    PrintEdits(editor.Commit(), editor.GetCatalogue(), output);
     return ExitCode::Done;
 }
 

@@ -11,11 +11,11 @@ namespace zaxmat {
 
 ExitCode RunSet(const SetOptions& options, Output& output)
 {
-    CatalogueEditor editor(options.catalogue);
-    ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request);
+    CatalogueEditor editor(options.catalogue, output);
+    ZAXMatDefinition record = ChooseRecord(editor.GetCatalogue(), options.request, output.GetUnit());
     ApplySettings(options.settings, record);
     editor.SetRecord(record);
-    PrintEdits(editor.Commit(), editor.GetCatalogue().GetFilePath(), output);
+    PrintEdits(editor.Commit(), editor.GetCatalogue(), output);
     return ExitCode::Done;
 }
 

@@ -211,7 +211,7 @@ ExitCode RunShow(const ShowOptions& options, Output& output)
     }
     const auto stockForms = FindPlacedStockForms(catalogue, options.record);
     if (stockForms.isEmpty())
-        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, options.record));
+        throw Failure(ExitCode::WrongUsage, UnknownMaterialText(catalogue, options.record, output.GetUnit()));
     ShowStockForms(stockForms, output);
     return ExitCode::Done;
 }

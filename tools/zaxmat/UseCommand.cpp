@@ -4,6 +4,7 @@
 #include "DocumentFile.h"
 #include "DocumentObjects.h"
 #include "DocumentTree.h"
+#include "FileLock.h"
 #include "Output.h"
 #include "Placement.h"
 #include "Properties.h"
@@ -32,7 +33,8 @@ void NoteDefaults(const ZAXMatDefinition& record, const ZAXFeatObject& feature, 
     names.removeAll(ZAXMatMaterial::Property_thickness);
     for (const QByteArray& name : std::as_const(names)) {
         const QMetaProperty property = FindProperty(type, name);
-        const QString value = property.isWritable() ? ValueText(property, property.read(&feature)) : QString();
+        const QString value =
+            property.isWritable() ? ValueText(property, property.read(&feature), output.GetUnit()) : QString();
         if (!value.isEmpty() && IsMissing(record.GetValue(name)))
             output.AddNote(Text::tr("%1: %2: the catalogue gives none, %3 is the default.")
                                .arg(Quoted(feature.GetLabel()), PropertyLabel(type, name), Quoted(value)));
@@ -50,7 +52,7 @@ void AddNotes(const MaterialChoice& choice, const Placement& placement, Output& 
     }
     if (choice.stockForms.isEmpty() && choice.hasStockForms)
         output.AddNote(Text::tr("The catalogue marks no stock form of %1 as active. Name some with --packaging.")
-                           .arg(Quoted(MaterialTitle(choice.material))));
+                           .arg(Quoted(MaterialTitle(choice.material, output.GetUnit()))));
 }
 
 Cell HowCell(bool isNew)
@@ -95,7 +97,8 @@ QString PropertyTable(const ZAXMatMaterial& material, const Output& output)
     for (int i = type.propertyOffset(); i < type.propertyCount(); ++i) {
         const QMetaProperty property = type.property(i);
         if (property.isWritable())
-            table.AddRow({PropertyLabel(&type, property.name()), ValueText(property, property.read(&material))});
+            table.AddRow({PropertyLabel(&type, property.name()),
+                          ValueText(property, property.read(&material), output.GetUnit())});
     }
     return table.ToText(output.IsColoured());
 }
@@ -135,10 +138,11 @@ void PrintDone(const Placement& placement, const ZAXHostDocument& document, cons
 ExitCode RunUse(const UseOptions& options, Output& output)
 {
     const ClassDefaults defaults;
-    const MaterialChoice choice = ChooseMaterial(Catalogue(options.catalogue), options.request);
+    const MaterialChoice choice = ChooseMaterial(Catalogue(options.catalogue), options.request, output.GetUnit());
 
+    const auto creation = LockCreation(options.document, output);
     ZAXHostDocument document;
-    const bool isOpened = OpenDocument(document, options.document);
+    const bool isOpened = OpenDocumentForChange(document, options.document, ZAXHostDocument::RefuseDamage, output);
     Complaints complaints;
     const Placement placement = Place(choice, document, complaints);
     complaints.AddInvalidValues(*placement.material.feature);

@@ -18,6 +18,7 @@
 
 #include <QColor>
 #include <QMetaEnum>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <cmath>
@@ -83,34 +84,35 @@ Failure InvalidValue(const PropertyName& name, const QString& text, const QStrin
     return {ExitCode::InvalidValues, Text::tr("%1: %2 %3").arg(Printable(NameText(name)), Quoted(text), why)};
 }
 
+using DecimalComma = ValueReading::DecimalComma;
+
+/// \throws Failure (InvalidValues) when AmbiguityOf() has something to say of \a text.
+void RequireUnambiguous(const PropertyName& name, const QString& text, const ValueReading& reading)
+{
+    if (const QString why = AmbiguityOf(text, reading.decimalComma); !why.isEmpty())
+        throw InvalidValue(name, text, why);
+}
+
 std::optional<double> ReadNumber(const QString& text, const ValueReading& reading)
 {
     QString number = text.trimmed();
-    if (reading.allowsDecimalComma)
+    if (reading.decimalComma != DecimalComma::Refused)
         number.replace(u',', u'.');
     bool ok = false;
     const double value = number.toDouble(&ok);
     return ok && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
-std::optional<bool> ReadBoolean(const QString& text)
-{
-    const QString word = text.trimmed().toLower();
-    if (word == QLatin1String("true") || word == QLatin1String("yes"))
-        return true;
-    if (word == QLatin1String("false") || word == QLatin1String("no"))
-        return false;
-    return std::nullopt;
-}
-
 /// A length or a density.
 QVariant ReadQuantity(ZAXSysQuantity quantity, const PropertyName& name, const QString& text,
                       const ValueReading& reading)
 {
+    RequireUnambiguous(name, text, reading);
     const bool isBare = ReadNumber(text, reading).has_value();
     const QString full = isBare && !reading.unit.isEmpty() ? text + u' ' + reading.unit : text;
-    const auto value =
-        !reading.allowsDecimalComma && text.contains(u',') ? std::nullopt : ZAXSysValue::FromString(quantity, full);
+    const auto value = reading.decimalComma == DecimalComma::Refused && text.contains(u',')
+                           ? std::nullopt
+                           : ZAXSysValue::FromString(quantity, full);
     if (value)
         return *value;
     throw InvalidValue(
@@ -147,6 +149,7 @@ QVariant RequireBoolean(const PropertyName& name, const QString& text)
 
 QVariant RequireNumber(const PropertyName& name, const QString& text, const ValueReading& reading)
 {
+    RequireUnambiguous(name, text, reading);
     if (const auto value = ReadNumber(text, reading))
         return *value;
     throw InvalidValue(name, text, Text::tr("is no number."));
@@ -171,6 +174,36 @@ QVariant RequireColor(const PropertyName& name, const QString& text)
 
 } // namespace
 
+QString AmbiguityOf(const QString& text, DecimalComma comma)
+{
+    if (comma == DecimalComma::Refused)
+        return {};
+    static const QRegularExpression grouped(QLatin1String(R"(^[+-]?[1-9][0-9]{0,2}([.,])[0-9]{3}(?![0-9.,]))"));
+    const auto match = grouped.match(text.trimmed());
+    const QLatin1String sign(comma == DecimalComma::Usual ? "," : ".");
+    const bool isThousands = match.hasMatch() && match.captured(1) != sign;
+    if (!isThousands)
+        return {};
+    const QStringList parts = match.captured().split(match.captured(1));
+    QString decimals = parts.constLast();
+    while (decimals.endsWith(u'0') && decimals.size() > 1)
+        decimals.chop(1);
+    // With three digits again it would be no clearer.
+    const QString padding = decimals.size() == 3 ? QString(u'0') : QString();
+    return Text::tr("is ambiguous; write %1 or %2.")
+        .arg(parts.join(QString()), parts.constFirst() + sign + decimals + padding);
+}
+
+std::optional<bool> ReadBoolean(const QString& text)
+{
+    const QString word = text.trimmed().toLower();
+    if (word == QLatin1String("true") || word == QLatin1String("yes"))
+        return true;
+    if (word == QLatin1String("false") || word == QLatin1String("no"))
+        return false;
+    return std::nullopt;
+}
+
 PropertyName ParsePropertyName(const QString& text)
 {
     const qsizetype point = text.indexOf(u'.');
@@ -180,6 +213,22 @@ PropertyName ParsePropertyName(const QString& text)
                                                      "Extension.property.")
                                                 .arg(Quoted(text)));
     return name;
+}
+
+QString LimitOf(const QMetaProperty& property, const QVariant& value)
+{
+    // What the features take for nothing.
+    constexpr double least = 0.001;
+    QVariant taken = value;
+    if (!taken.convert(property.metaType()))
+        return {};
+    const auto quantity = QuantityOf(property);
+    if (quantity == ZAXSysQuantity::Density)
+        return taken.toDouble() > 0 ? QString() : Text::tr("it must be greater than zero");
+    if (quantity == ZAXSysQuantity::Length)
+        return taken.toDouble() >= least ? QString() : Text::tr("it must be at least 0.001 mm");
+    const bool isCost = QLatin1String(property.name()) == QLatin1String(ZAXMatPackaging::Property_cost);
+    return !isCost || taken.toDouble() >= least ? QString() : Text::tr("it must be at least 0.001");
 }
 
 QString NameText(const PropertyName& name)
@@ -249,6 +298,7 @@ QVariant ParseValueLike(const QVariant& present, const PropertyName& name, const
     }
     if (!IsMissing(present))
         throw InvalidValue(name, text, Text::tr("cannot be set: the catalogue holds a list or an object there."));
+    RequireUnambiguous(name, text, reading);
     if (const auto number = ReadNumber(text, reading))
         return *number;
     const auto boolean = ReadBoolean(text);
@@ -355,6 +405,8 @@ QString ValueChecker::Check(ZAXMatDefinition::Type type, const PropertyName& nam
     QStringList texts;
     const auto messages = feature->GetPropertyMessages(name.property);
     std::ranges::transform(messages, std::back_inserter(texts), &ZAXFeatObject::PropertyMessage::text);
+    if (texts.isEmpty() && name.extension.isEmpty())
+        return LimitOf(property, value);
     return texts.join(u' ');
 }
 

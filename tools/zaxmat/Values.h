@@ -10,6 +10,7 @@
 #include <QVariant>
 
 #include <memory>
+#include <optional>
 
 namespace zaxmat {
 
@@ -35,11 +36,24 @@ struct ValueSetting
 /// How the text of a value is to be understood.
 struct ValueReading
 {
-    /// Whether a comma may take the place of the decimal point.
-    bool allowsDecimalComma = true;
+    enum class DecimalComma
+    {
+        Refused,  ///< only a point separates decimals
+        Accepted, ///< as people type either sign; a comma that may as well separate thousands is refused
+        Usual,    ///< a point that may as well separate thousands is refused
+    };
+
+    DecimalComma decimalComma = DecimalComma::Accepted;
     /// The unit of numbers without one, such as "in"; the catalogue's own if empty.
     QString unit = {};
 };
+
+/// What is to be said of a number with or without a unit, \a text, that may be meant to be a thousand times as large as
+/// it reads: "1.250" where decimals usually follow a comma, "1,250" where that is only accepted. Empty for all others.
+QString AmbiguityOf(const QString& text, ValueReading::DecimalComma comma = ValueReading::DecimalComma::Accepted);
+
+/// True for "true" and "yes", false for "false" and "no", in any letter case; empty for anything else.
+std::optional<bool> ReadBoolean(const QString& text);
 
 /// Splits \a text, as the command line or the title of a column names a property.
 /// \throws Failure (WrongUsage) when a name is missing.
@@ -64,6 +78,10 @@ QVariant ParseValue(const QMetaProperty& property, const PropertyName& name, con
 QVariant ParseValueLike(const QVariant& present, const PropertyName& name, const QString& text,
                         const ValueReading& reading = {});
 
+/// What a catalogue must hold in the place of \a value, a length, a density or a cost of a material or a stock form
+/// that is too small: "it must be greater than zero". Empty for all others.
+QString LimitOf(const QMetaProperty& property, const QVariant& value);
+
 /// Reads "property=value" or "Extension.property=value" for \a record. What the record holds although no class
 /// declares it can be set, too.
 /// \throws Failure (WrongUsage) for anything else and for an unknown property; (InvalidValues) as ParseValue().
@@ -84,8 +102,8 @@ public:
     ValueChecker(const ValueChecker&) = delete;
     ValueChecker& operator=(const ValueChecker&) = delete;
 
-    /// What the class says against \a value of the property \a name of such a record, in the user's language; empty if
-    /// nothing. A missing value, and one of a property that no class declares, is right.
+    /// What the class, or the catalogue, says against \a value of the property \a name of such a record, in the user's
+    /// language; empty if nothing. A missing value, and one of a property that no class declares, is right.
     QString Check(ZAXMatDefinition::Type type, const PropertyName& name, const QVariant& value);
 
 private:
