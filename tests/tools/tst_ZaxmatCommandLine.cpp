@@ -1,5 +1,6 @@
 #include "Workshop.h"
 
+#include <QFile>
 #include <QTest>
 
 /// What zaxmat does with a command line before any command works.
@@ -13,6 +14,7 @@ private slots:
     void helpExplains();
     void helpListsTheExitCodes();
     void helpNamesTheDefaultCatalogue();
+    void argumentsAreUtf8();
     void wrongUsageIsRefused_data();
     void wrongUsageIsRefused();
     void nothingIsMadeForAWrongCommandLine();
@@ -65,11 +67,12 @@ void tst_ZaxmatCommandLine::helpListsTheExitCodes()
 {
     const Run run = Workshop().Zaxmat({"--help"});
     QVERIFY2(run.out.endsWith("Exit codes:\n"
-                              "  0  done\n"
-                              "  1  invalid values, or differences found\n"
-                              "  2  wrong usage: unknown, ambiguous, no number\n"
-                              "  3  a file that cannot be read, understood or written\n"
-                              "  4  somebody else changed the same record meanwhile; nothing was written\n"),
+                              "  0   done\n"
+                              "  1   invalid values, or mistakes or differences found\n"
+                              "  2   wrong usage: unknown, ambiguous, no number\n"
+                              "  3   a file that cannot be read, understood or written\n"
+                              "  4   somebody else changed the same record meanwhile; nothing was written\n"
+                              "  70  a mistake of zaxmat itself, which its makers would like to hear of\n"),
              qUtf8Printable(run.out));
 }
 
@@ -79,6 +82,15 @@ void tst_ZaxmatCommandLine::helpNamesTheDefaultCatalogue()
     const Run run = workshop.Zaxmat({"list", "--help"});
     QVERIFY2(run.out.contains('"' + workshop.DataFolder() + "/zaxmat\""), qUtf8Printable(run.out));
     QVERIFY2(run.out.contains("ZAXMAT_CATALOGUE"), qUtf8Printable(run.out));
+}
+
+void tst_ZaxmatCommandLine::argumentsAreUtf8()
+{
+    const Workshop workshop;
+    const Run run = workshop.ZaxmatThrough("\"$@\" \"$(printf 'T\\364le')\"", {"add"});
+    QCOMPARE(run.err, QString("zaxmat: \"T%1le\" is no UTF-8.\n").arg(QChar(QChar::ReplacementCharacter)));
+    QCOMPARE(run.code, 2);
+    QVERIFY(!QFile::exists(workshop.CatalogueFile()));
 }
 
 void tst_ZaxmatCommandLine::wrongUsageIsRefused_data()

@@ -259,6 +259,7 @@ void tst_ZaxmatDocumentChanges::wrongSettingsAreRefused_data()
         << "\"Materials Root/Steel - 2 mm/ForeignExtension\" is not available and cannot be changed: no loaded module "
            "provides the class.\n"
         << 2;
+    QTest::newRow("twice") << QStringList{"@3", "length=2500", "length=2600"} << "\"length\" is given twice.\n" << 2;
     QTest::newRow("good before bad") << QStringList{"@3", "length=2500", "width=wide"}
                                      << "width: \"wide\" is no length. " << 1;
     QTest::newRow("ambiguous") << QStringList{"Steel", "thickness=2"} << "Several objects are called \"Steel\"." << 2;

@@ -28,6 +28,7 @@ private slots:
     void stockFormsOfOneNameAreKeptApart();
     void missingObjectsAreNotStored();
     void catalogueIsMade();
+    void whatACatalogueMustNotHoldIsRefused();
     void invalidMaterialIsRefused();
     void damagedDocumentIsRefused();
     void lockedDocumentCanBeStored();
@@ -284,6 +285,20 @@ void tst_ZaxmatDocumentStore::catalogueIsMade()
     QVERIFY(QFile::remove(store.CatalogueFile()));
     QCOMPARE(store.StoreMaterial({"@2"}).code, 0);
     QCOMPARE(Root(store).size(), 1);
+}
+
+void tst_ZaxmatDocumentStore::whatACatalogueMustNotHoldIsRefused()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue(SmallCatalogue());
+    const JobDocument document(workshop);
+    const QByteArray before = Workshop::Read(workshop.CatalogueFile());
+    QCOMPARE(workshop.Zaxmat({"document", "set", document.GetPath(), "@2", "density=0"}).code, 0);
+    const Run run = workshop.Zaxmat({"document", "store", document.GetPath(), "@2"});
+    QCOMPARE(run.err, "zaxmat: \"Materials Root/Steel - 2 mm\" is not stored. These values are invalid:\n"
+                      "  \"Steel\": Density: it must be greater than zero\n");
+    QCOMPARE(run.code, 1);
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), before);
 }
 
 void tst_ZaxmatDocumentStore::invalidMaterialIsRefused()

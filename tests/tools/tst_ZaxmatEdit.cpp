@@ -18,6 +18,8 @@ private slots:
     void setRefusesValues();
     void aPointIsAlwaysOfDecimals();
     void materialsThatDocumentsCannotTellApartAreNoted();
+    void aPropertyIsGivenOnce();
+    void theFileMayBeNamedInsteadOfItsFolder();
     void setTakesAllOrNone();
     void setListsAllInvalidValues();
     void anEmptyValueTakesThePropertyAway();
@@ -260,6 +262,22 @@ void tst_ZaxmatEdit::materialsThatDocumentsCannotTellApartAreNoted()
     QCOMPARE(workshop.Zaxmat({"add", "New", "materialType=S235JR", "thickness=3"}).err,
              note.arg("New", "steel-3", "3 mm"));
     QCOMPARE(workshop.Zaxmat({"add", "New", "thickness=3"}).err, "");
+}
+
+void tst_ZaxmatEdit::aPropertyIsGivenOnce()
+{
+    Workshop workshop;
+    const Run run = Filled(workshop).Zaxmat({"set", "steel-2", "thickness=2", "comment=x", "thickness=3"});
+    QCOMPARE(run.err, "zaxmat: \"thickness\" is given twice.\n");
+    QCOMPARE(run.code, 2);
+}
+
+void tst_ZaxmatEdit::theFileMayBeNamedInsteadOfItsFolder()
+{
+    Workshop workshop;
+    Filled(workshop);
+    QCOMPARE(workshop.Zaxmat({"set", "steel-2", "comment=x", "--catalogue", workshop.CatalogueFile()}).code, 0);
+    QCOMPARE(Value(workshop, "steel-2", "comment"), QJsonValue("x"));
 }
 
 void tst_ZaxmatEdit::setTakesAllOrNone()

@@ -639,6 +639,7 @@ void tst_ZaxmatImport::rejectsRows()
     QCOMPARE(rows.at(0)["change"].toString(), "changed");
     QCOMPARE(rows.at(1)["change"].toString(), "rejected");
     QCOMPARE(rows.at(1)["line"].toInt(), 3);
+    QCOMPARE(rows.at(1)["type"].isNull(), row.startsWith("coil"));
     QTEST(rows.at(1)["reason"].toString(), "reason");
     QCOMPARE(run.code, 1);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), before);

@@ -51,9 +51,10 @@ void tst_ZaxmatReadme::theWalkWorks()
     const Clone clone;
     const QStringList lines = Walk();
     QVERIFY(lines.size() > 5);
-    QVERIFY2(lines.constFirst().startsWith("export "), qUtf8Printable(lines.constFirst()));
-    for (const QString& line : lines) {
-        const Run run = clone.ZaxmatThrough(lines.constFirst() + '\n' + line, {});
+    const QString preparation = lines[0] + '\n' + lines[1];
+    QVERIFY2(lines[1].startsWith("export "), qUtf8Printable(preparation));
+    for (const QString& line : lines.sliced(2)) {
+        const Run run = clone.ZaxmatThrough(preparation + '\n' + line, {});
         QVERIFY2(run.code == ExpectedCode(line), qUtf8Printable(line + '\n' + run.out + run.err));
     }
 }

@@ -55,8 +55,12 @@ QString DefaultCatalogueDirectory()
 
 QString CatalogueFilePath(const CatalogueOptions& options)
 {
+    const QLatin1String fileName("materials.json");
+    const QFileInfo given(options.directory);
+    if (given.isFile() && given.fileName() == fileName)
+        return options.directory;
     const QString directory = options.directory.isEmpty() ? DefaultCatalogueDirectory() : options.directory;
-    return QDir(directory).filePath(QLatin1String("materials.json"));
+    return QDir(directory).filePath(fileName);
 }
 
 QByteArray ReadCatalogueFile(const QString& path)

@@ -9,7 +9,7 @@ namespace zaxmat {
 
 struct CatalogueOptions
 {
-    /// The folder of the catalogue; DefaultCatalogueDirectory() if empty.
+    /// The folder of the catalogue, or the materials.json in it; DefaultCatalogueDirectory() if empty.
     QString directory;
 };
 

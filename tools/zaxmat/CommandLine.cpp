@@ -32,11 +32,12 @@ namespace {
 QString ExitCodesText()
 {
     return Text::tr("Exit codes:\n"
-                    "  0  done\n"
-                    "  1  invalid values, or differences found\n"
-                    "  2  wrong usage: unknown, ambiguous, no number\n"
-                    "  3  a file that cannot be read, understood or written\n"
-                    "  4  somebody else changed the same record meanwhile; nothing was written");
+                    "  0   done\n"
+                    "  1   invalid values, or mistakes or differences found\n"
+                    "  2   wrong usage: unknown, ambiguous, no number\n"
+                    "  3   a file that cannot be read, understood or written\n"
+                    "  4   somebody else changed the same record meanwhile; nothing was written\n"
+                    "  70  a mistake of zaxmat itself, which its makers would like to hear of");
 }
 
 /// What a command line asks for.
@@ -61,14 +62,14 @@ std::unique_ptr<CLI::App> MakeProgram(Request& request)
     AddRenameCommand(*program, request.action);
     AddCopyCommand(*program, request.action);
     AddRemoveCommand(*program, request.action);
+    AddImportCommand(*program, request.action);
+    AddExportCommand(*program, request.action);
+    AddCheckCommand(*program, request.action);
+    AddDiffCommand(*program, request.action);
     AddUseCommand(*program, request.action);
     AddDocumentCommand(*program, request.action);
     AddCompletionCommand(*program, request.action);
     AddManualCommand(*program, request.action);
-    AddImportCommand(*program, request.action);
-    AddExportCommand(*program, request.action);
-    AddDiffCommand(*program, request.action);
-    AddCheckCommand(*program, request.action);
     AddOutputOptions(*program, request.output);
     program->footer(
         Utf8(Text::tr("\"zaxmat COMMAND --help\" explains a command.") + QLatin1String("\n\n") + ExitCodesText()));
@@ -86,6 +87,10 @@ QString InvocationOf(const CLI::App& program)
 /// What \a arguments ask for.
 Request Parse(const QStringList& arguments)
 {
+    const auto notRead = std::ranges::find_if(
+        arguments, [](const QString& argument) { return argument.contains(QChar::ReplacementCharacter); });
+    if (notRead != arguments.end())
+        throw Failure(ExitCode::WrongUsage, Text::tr("%1 is no UTF-8.").arg(Quoted(*notRead)));
     Request request;
     const auto program = MakeProgram(request);
     std::vector<std::string> reversed;

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "Properties.h"
 #include "Text.h"
+#include "Values.h"
 
 #include "ZAXFeatObject.h"
 
@@ -27,6 +28,17 @@ void Complaints::AddInvalidValues(ZAXFeatObject& feature)
     const auto children = feature.GetChildren();
     for (ZAXFeatObject* const child : children)
         AddInvalidValues(*child);
+}
+
+void Complaints::AddBelowLimits(const ZAXFeatObject& feature)
+{
+    const QMetaObject* const type = feature.metaObject();
+    for (int i = 0; i < type->propertyCount(); ++i) {
+        const QMetaProperty property = type->property(i);
+        const QString limit = property.isWritable() ? LimitOf(property, property.read(&feature)) : QString();
+        if (!limit.isEmpty() && feature.GetPropertyMessages(property.name()).isEmpty())
+            Add(feature, property.name(), limit);
+    }
 }
 
 void Complaints::Raise(const QString& path) const

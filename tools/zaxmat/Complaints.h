@@ -19,6 +19,9 @@ public:
     /// Has \a feature and all below it check their values, and adds what they find.
     void AddInvalidValues(ZAXFeatObject& feature);
 
+    /// Adds the values of \a feature that are right in a document, but must not be stored in a catalogue.
+    void AddBelowLimits(const ZAXFeatObject& feature);
+
     /// \throws Failure (InvalidValues) if there is a complaint. The document's file \a path was not written then.
     void Raise(const QString& path) const;
     /// \throws Failure (InvalidValues) that begins with the sentence \a outcome if there is a complaint.

@@ -169,6 +169,10 @@ ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
     const ZAXMatMaterial& material = FindMaterial(document, options.material);
     Complaints complaints;
     complaints.AddInvalidValues(*FindObject(document.Get(), options.material));
+    complaints.AddBelowLimits(material);
+    const auto stockForms = options.hasStockForms ? material.GetPackaging() : QList<ZAXMatPackaging*>();
+    for (const ZAXMatPackaging* const stockForm : stockForms)
+        complaints.AddBelowLimits(*stockForm);
     complaints.RaiseFor(Text::tr("%1 is not stored.").arg(Quoted(ObjectPath(material))));
 
     CatalogueEditor editor(options.catalogue, output, CatalogueEditor::MissingFile::Create);

@@ -104,7 +104,7 @@ void AddRow(const ImportedRow& row, LengthUnit unit, Table& table)
     const auto cells = [&](const QString& field, const Cell& before, const Cell& after) {
         return QList<Cell>{Cell(QString::number(line), QJsonValue(line)),
                            Cell(TitleOf(row.kind), QJsonValue(WordOf(row.kind)), EmphasisOf(row.kind)),
-                           Cell(QString(), QJsonValue(TypeWord(row.record.GetType()))),
+                           Cell(QString(), row.isTypeKnown ? TypeWord(row.record.GetType()) : QJsonValue()),
                            row.record.GetName(),
                            field,
                            before,

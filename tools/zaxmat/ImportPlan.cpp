@@ -174,6 +174,7 @@ QList<ImportedRow> ImportPlan::Plan(const std::function<void(qsizetype)>& advanc
             if (type.value_or(ZAXMatDefinition::Material) != pass)
                 continue;
             planned[i] = type ? PlanRow(row, *type) : ImportedRow{};
+            planned[i].isTypeKnown = type.has_value();
             if (!type)
                 planned[i].reason =
                     Text::tr("%1 is no type; it must be %2 or %3")

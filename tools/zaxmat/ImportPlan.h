@@ -40,6 +40,8 @@ struct ImportedRow
     ZAXMatDefinition record;
     /// Why the row is rejected.
     QString reason;
+    /// Whether the row says of which type its record is.
+    bool isTypeKnown = true;
 };
 
 /// Finds out what the rows of a CSV file make of a catalogue, which it does not change.

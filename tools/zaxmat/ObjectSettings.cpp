@@ -103,11 +103,15 @@ void SetValue(ZAXFeatObject& object, const QString& name, const QString& text)
 
 void SetObjectValues(ZAXFeatObject& object, const QStringList& settings)
 {
+    QStringList names;
     for (const QString& setting : settings) {
         const qsizetype sign = setting.indexOf(u'=');
         if (sign <= 0)
             throw Failure(ExitCode::WrongUsage, Text::tr("%1 is no property=value.").arg(Quoted(setting)));
         const QString name = setting.first(sign);
+        if (names.contains(name))
+            throw Failure(ExitCode::WrongUsage, Text::tr("%1 is given twice.").arg(Quoted(name)));
+        names.append(name);
         const QString text = setting.sliced(sign + 1);
         if (name == QLatin1String("label"))
             SetLabel(object, text);

@@ -332,9 +332,14 @@ void ApplySettings(const QStringList& texts, ZAXMatDefinition& record)
     ValueChecker checker;
     ZAXMatDefinition changed = record;
     QStringList complaints;
+    QStringList names;
     for (const QString& text : texts) {
         try {
             const ValueSetting setting = ParseSetting(text, record);
+            const QString name = NameText(setting.name);
+            if (names.contains(name))
+                throw Failure(ExitCode::WrongUsage, Text::tr("%1 is given twice.").arg(Quoted(name)));
+            names.append(name);
             const QString why = checker.Check(record.GetType(), setting.name, setting.value);
             if (!why.isEmpty())
                 complaints.append(Text::tr("%1: %2").arg(Printable(NameText(setting.name)), Printable(why)));
