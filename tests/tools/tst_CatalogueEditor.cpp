@@ -226,7 +226,8 @@ void tst_CatalogueEditor::anotherSpellingOfTheFileIsNoChange()
     const QByteArray compact = QJsonDocument(Root(workshop)).toJson(QJsonDocument::Compact);
     Edit(
         workshop, [](CatalogueEditor& editor) { editor.SetRecord(Record(A("ours"))); }, compact);
-    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), Text({A("ours")}));
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()),
+             QJsonDocument::fromJson(Text({A("ours")})).toJson(QJsonDocument::Compact));
 }
 
 void tst_CatalogueEditor::damagedMeanwhileIsRefused()

@@ -48,6 +48,7 @@ private slots:
     void damagedFileIsNeverWritten();
     void whatIsThereTwiceIsNotLost_data();
     void whatIsThereTwiceIsNotLost();
+    void otherRecordsKeepEveryByte();
     void lockLeftBySomebodyElseIsTaken();
     void missingFileIsRefused_data();
     void missingFileIsRefused();
@@ -580,8 +581,8 @@ void tst_ZaxmatEdit::whatIsThereTwiceIsNotLost_data()
     QTest::addColumn<QString>("where");
     QTest::newRow("a record") << QByteArray("{") << QByteArray(R"({"steel-2": {"key": "steel-2"},)")
                               << "\"steel-2\" twice";
-    QTest::newRow("a value") << QByteArray("\"thickness\":") << QByteArray("\"thickness\": 7, \"thickness\":")
-                             << "\"thickness\" twice";
+    QTest::newRow("a value of it") << QByteArray("\"comment\":") << QByteArray("\"comment\": 7, \"comment\":")
+                                   << "\"comment\" twice (line 23, column 31), and";
 }
 
 void tst_ZaxmatEdit::whatIsThereTwiceIsNotLost()
@@ -593,10 +594,25 @@ void tst_ZaxmatEdit::whatIsThereTwiceIsNotLost()
     QByteArray bytes = Workshop::Read(Filled(workshop).CatalogueFile());
     bytes.replace(bytes.indexOf(before), before.size(), again);
     Workshop::Write(workshop.CatalogueFile(), bytes);
-    const Run run = workshop.Zaxmat({"set", "steel-3", "comment=x"});
+    const Run run = workshop.Zaxmat({"set", "steel-2", "comment=x"});
     QVERIFY2(run.err.contains(where), qUtf8Printable(run.err));
     QVERIFY(run.err.contains("\"zaxmat check\" tells more."));
     QCOMPARE(run.code, 3);
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()), bytes);
+}
+
+void tst_ZaxmatEdit::otherRecordsKeepEveryByte()
+{
+    Workshop workshop;
+    QByteArray bytes =
+        "{ \"a\" : {\"key\":\"a\",\"type\":0,\"name\":\"A\", \"properties\":{\"\":{\"thickness\":2.50,\"thickness\":"
+        "3.00}}},\n\n  \"b\":{\"key\":\"b\",\"type\":0,\"name\":\"B\",\"properties\":{}} }\t";
+    Workshop::Write(workshop.CatalogueFile(), bytes);
+    QCOMPARE(workshop.Zaxmat({"rename", "b", "C"}).code, 0);
+    QCOMPARE(Workshop::Read(workshop.CatalogueFile()),
+             bytes.replace("{\"key\":\"b\",\"type\":0,\"name\":\"B\",\"properties\":{}}",
+                           "{\"key\":\"b\",\"materialKey\":\"\",\"name\":\"C\",\"properties\":{},\"type\":0}"));
+    QCOMPARE(workshop.Zaxmat({"rename", "a", "D"}).code, 3);
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), bytes);
 }
 

@@ -24,7 +24,11 @@ QByteArray Shared(QByteArrayView view)
 } // namespace
 
 Catalogue::Catalogue(const CatalogueOptions& options)
-    : m_filePath(CatalogueFilePath(options)), m_bytes(ReadCatalogueFile(m_filePath))
+    : Catalogue(CatalogueFilePath(options), ReadCatalogueFile(CatalogueFilePath(options)))
+{
+}
+
+Catalogue::Catalogue(const QString& path, const QByteArray& bytes) : m_filePath(path), m_bytes(bytes)
 {
     if (!TakeScanned())
         TakeParsed(ParseCatalogue(m_filePath, m_bytes));

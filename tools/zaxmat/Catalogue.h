@@ -25,6 +25,8 @@ public:
     /// empty, and would replace at the next change, is never worked on.
     /// \throws Failure (FileFailure) that says what is wrong with the file, and where.
     explicit Catalogue(const CatalogueOptions& options);
+    /// The catalogue \a bytes, read from the file \a path. \throws Failure (FileFailure) as above.
+    Catalogue(const QString& path, const QByteArray& bytes);
     /// The catalogue \a root, read from the file \a path.
     Catalogue(const QString& path, const QJsonObject& root);
 
@@ -36,7 +38,8 @@ public:
     /// All materials, and all stock forms, in the order of the file. Of several records of one key the last one counts.
     const QList<CatalogueRecord>& ReadMaterials() const { return m_materials.ReadAll(); }
     const QList<CatalogueRecord>& ReadStockForms() const { return m_stockForms.ReadAll(); }
-    /// At least those records of that type that hold all of the properties \a names, which are of plain letters.
+    /// At least those records of that type that hold all of the texts \a names as names of properties or as values.
+    /// They are of ASCII without control characters, quotation marks, backslashes and slashes.
     QList<CatalogueRecord> ReadRecordsWith(ZAXMatDefinition::Type type, const QList<QByteArray>& names) const;
 
     /// The number of materials, and of all stock forms.

@@ -1,8 +1,8 @@
 #include "CatalogueEditor.h"
 
+#include "CatalogueText.h"
 #include "CautiousFileSystem.h"
 #include "Failure.h"
-#include "JsonText.h"
 #include "Progress.h"
 #include "RecordDifference.h"
 #include "Text.h"
@@ -10,7 +10,6 @@
 #include "ZAXHostFileSaver.h"
 
 #include <QFileInfo>
-#include <QJsonDocument>
 
 namespace zaxmat {
 
@@ -33,30 +32,6 @@ QString EditablePath(const CatalogueOptions& options, CatalogueEditor::MissingFi
         ReadCatalogueFile(path);
     }
     return path;
-}
-
-QByteArray ToText(const QJsonObject& root)
-{
-    return QJsonDocument(root).toJson(QJsonDocument::Indented);
-}
-
-/// Of members with the same name only the last one is read, and only that would be written again.
-/// \throws Failure (FileFailure) when \a bytes have some.
-void RequireNothingTwice(const QString& path, const QByteArray& bytes)
-{
-    if (!MayRepeatMembers(bytes))
-        return;
-    const JsonText text = ParseJsonText(bytes);
-    const JsonMember* const repeated = text.error ? nullptr : FindRepeatedMember(text.root);
-    if (!repeated)
-        return;
-    const TextPosition position = TextPositions(bytes).At(repeated->nameBegin);
-    throw Failure(
-        ExitCode::FileFailure,
-        Text::tr("The catalogue %1 holds %2 twice (line %3, column %4), and writing it would lose one of them. "
-                 "Nothing was written. \"zaxmat check\" tells more.")
-            .arg(QuotedPath(path), Quoted(repeated->name), QString::number(position.line),
-                 QString::number(position.column)));
 }
 
 CommitResult CountEdits(const QList<RecordEdit>& edits)
@@ -84,8 +59,7 @@ CatalogueEditor::CatalogueEditor(const CatalogueOptions& options, const Output& 
       m_lock(ZAXHostFileSaver::TargetOf(m_path), output),
       m_isNew(missing == MissingFile::Create && !QFileInfo::exists(m_path)),
       m_bytes(m_isNew ? QByteArray() : ReadCatalogueFile(m_path)),
-      m_root(m_isNew ? QJsonObject() : ParseCatalogue(m_path, m_bytes)),
-      m_catalogue(m_path, m_root)
+      m_catalogue(m_isNew ? Catalogue(m_path, QJsonObject()) : Catalogue(m_path, m_bytes))
 {
 }
 
@@ -143,7 +117,7 @@ std::optional<QByteArray> CatalogueEditor::ReadPresent() const
     return ReadCatalogueFile(m_path);
 }
 
-QJsonObject CatalogueEditor::Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const
+void CatalogueEditor::RequireNoConflict(const QList<RecordEdit>& changes, const QByteArray& theirs) const
 {
     const auto conflicts = ConflictsOf(changes, m_catalogue, Catalogue(m_path, theirs));
     if (!conflicts.isEmpty()) {
@@ -152,7 +126,6 @@ QJsonObject CatalogueEditor::Merged(const QList<RecordEdit>& changes, const QJso
                                "Nothing was written:\n%2\nLook at them, and try again.")
                           .arg(QuotedPath(m_path), ConflictText(conflicts)));
     }
-    return Edited(theirs, changes);
 }
 
 CommitResult CatalogueEditor::Commit()
@@ -162,11 +135,11 @@ CommitResult CatalogueEditor::Commit()
     if (changes.isEmpty())
         return result;
     const Progress progress(m_output, Text::tr("writing %1").arg(QuotedPath(m_path)));
-    RequireNothingTwice(m_path, m_bytes);
     // Whoever writes without a lock may do so while this is writing: then it begins anew.
     constexpr int tries = 10;
     for (int i = 0; i < tries; ++i) {
-        const auto present = ReadPresent();
+        // Whether that is what was read is looked at when it is replaced.
+        const auto present = i == 0 ? m_isNew ? std::nullopt : std::optional(m_bytes) : ReadPresent();
         result.isMerged = present.has_value() && (m_isNew || *present != m_bytes);
         if (TryCommit(changes, present, result.isMerged)) {
             result.isWritten = true;
@@ -183,9 +156,8 @@ bool CatalogueEditor::TryCommit(const QList<RecordEdit>& changes, const std::opt
                                 bool isMerged)
 {
     if (isMerged)
-        RequireNothingTwice(m_path, *present);
-    const QByteArray text =
-        ToText(isMerged ? Merged(changes, ParseCatalogue(m_path, *present)) : Edited(m_root, changes));
+        RequireNoConflict(changes, *present);
+    const QByteArray text = EditedCatalogue(m_path, present.value_or("{}"), changes);
     CautiousFileSystem system(present, text, std::exchange(m_beforeReplacing, {}));
     const ZAXHostResult saved = ZAXHostFileSaver::Save(m_path, text, system);
     if (system.HasFoundChange())

@@ -83,7 +83,8 @@ private:
     /// Writes the \a changes into the file, as long as that holds \a present; false when it does not any more.
     /// \a isMerged says that this is not what was read.
     bool TryCommit(const QList<RecordEdit>& changes, const std::optional<QByteArray>& present, bool isMerged);
-    QJsonObject Merged(const QList<RecordEdit>& changes, const QJsonObject& theirs) const;
+    /// \throws Failure (FileChanged) when somebody else, whose catalogue is \a theirs, touched what \a changes do.
+    void RequireNoConflict(const QList<RecordEdit>& changes, const QByteArray& theirs) const;
     /// \throws Failure unless the file holds \a text.
     void Verify(const QByteArray& text) const;
 
@@ -93,7 +94,6 @@ private:
     FileLock m_lock;
     bool m_isNew;
     QByteArray m_bytes;
-    QJsonObject m_root;
     Catalogue m_catalogue;
     QList<RecordEdit> m_edits;
     /// Where in the list a record of that type and key is.

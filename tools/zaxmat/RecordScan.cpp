@@ -33,6 +33,8 @@ public:
         Take('{');
         if (!TryTake('}')) {
             do {
+                SkipSpace();
+                const char* const begin = m_at;
                 const QByteArrayView name = TakePlainString();
                 // In their order, no two can have the same name.
                 Require(previous < name);
@@ -40,6 +42,7 @@ public:
                 Take(':');
                 places.push_back(TakeRecord());
                 Require(places.back().key == name);
+                places.back().member = QByteArrayView(begin, m_at);
             } while (TryTake(','));
             Take('}');
         }

@@ -12,6 +12,8 @@ namespace zaxmat {
 /// Where a record stands in the text of a catalogue.
 struct RecordPlace
 {
+    /// The whole member, from the quotation mark before its name to the end of the record.
+    QByteArrayView member;
     /// The record's JSON object.
     QByteArrayView text;
     QByteArrayView key;

@@ -39,6 +39,18 @@ QList<Record> FindByKeyOrName(const QList<Record>& records, const QString& text)
                : Matching(records, [&](const Record& record) { return record.GetName() == text; });
 }
 
+/// At least those records of a type that hold \a text as a value, or as their name or key.
+QList<CatalogueRecord> RecordsHolding(const Catalogue& catalogue, ZAXMatDefinition::Type type, const QString& text)
+{
+    // What JSON writes in one way only.
+    const bool isPlain = std::ranges::all_of(text, [](QChar letter) {
+        return letter >= u' ' && letter < u'\x7f' && letter != u'"' && letter != u'\\' && letter != u'/';
+    });
+    if (isPlain)
+        return catalogue.ReadRecordsWith(type, {text.toLatin1()});
+    return type == ZAXMatDefinition::Material ? catalogue.ReadMaterials() : catalogue.ReadStockForms();
+}
+
 /// The type of a material, where it is a text.
 QString TypeOf(const CatalogueRecord& material)
 {
@@ -124,7 +136,7 @@ bool IsSameThickness(double a, double b)
 
 QList<ZAXMatDefinition> FindMaterials(const Catalogue& catalogue, const QString& text)
 {
-    const QList<CatalogueRecord>& materials = catalogue.ReadMaterials();
+    const QList<CatalogueRecord> materials = RecordsHolding(catalogue, ZAXMatDefinition::Material, text);
     const auto found = FindByKeyOrName(materials, text);
     return Definitions(!found.isEmpty() ? found : Matching(materials, [&](const CatalogueRecord& record) {
         return TypeOf(record) == text;
@@ -138,16 +150,18 @@ QList<ZAXMatDefinition> FindStockForms(const QList<ZAXMatDefinition>& stockForms
 
 QList<ZAXMatDefinition> FindStockForms(const Catalogue& catalogue, const QString& text)
 {
-    const auto records = FindByKeyOrName(catalogue.ReadStockForms(), text);
+    const auto records = FindByKeyOrName(RecordsHolding(catalogue, ZAXMatDefinition::Packaging, text), text);
     QHash<QByteArray, QList<CatalogueRecord>> byMaterial;
     for (const CatalogueRecord& record : records)
         byMaterial[record.GetMaterialKey()].append(record);
-    QList<CatalogueRecord> materials = Matching(catalogue.ReadMaterials(), [&](const CatalogueRecord& material) {
-        return byMaterial.contains(material.GetKey());
-    });
+    QList<ZAXMatDefinition> materials;
+    for (auto each = byMaterial.cbegin(); each != byMaterial.cend(); ++each) {
+        if (const ZAXMatDefinition material = catalogue.GetMaterial(each.key()); material.IsValid())
+            materials.append(material);
+    }
     SortRecords(materials);
     QList<ZAXMatDefinition> found;
-    for (const CatalogueRecord& material : std::as_const(materials))
+    for (const ZAXMatDefinition& material : std::as_const(materials))
         found += Definitions(byMaterial.take(material.GetKey()));
     // Those of no material come last.
     for (const QList<CatalogueRecord>& others : std::as_const(byMaterial))
