@@ -14,6 +14,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 // Damage of a document file: it is noticed whatever it is, it costs nothing but what it hits, and it is bounded in
@@ -198,6 +199,7 @@ private slots:
     void whatRefersToALostObjectIsKept();
     void recoveredDocumentOfFullDepthCanBeSaved();
     void parentCycleIsBroken();
+    void whatLeavesNoIdForAFolderIsRefused();
     void dataThatLookLikeObjectsAreNotTakenForThem();
     void damageTakesLittleMemory_data();
     void damageTakesLittleMemory();
@@ -444,6 +446,23 @@ void tst_ZAXHostDocumentDamage::parentCycleIsBroken()
     const auto problems = document.GetProblems();
     QCOMPARE(problems.size(), 2);
     QVERIFY(problems.at(1).message.contains(QLatin1String("the object 3 stands behind or below itself")));
+}
+
+void tst_ZAXHostDocumentDamage::whatLeavesNoIdForAFolderIsRefused()
+{
+    constexpr quint64 last = std::numeric_limits<quint64>::max();
+    const QByteArray orphan = ZAXDocumentBytes(last, folders).Object(folder, last, 1, 0).End();
+    ZAXHostDocument document;
+    const QByteArray before = document.Encode();
+    const auto result = LoadBytes(document, orphan, ZAXHostDocument::RecoverDamage);
+    QVERIFY(!result);
+    QCOMPARE(result.GetMessage(), QLatin1String("The document has no ids left for new objects."));
+    QCOMPARE(document.Encode(), before);
+    QVERIFY(!document.IsDamaged());
+    // With a parent it needs no folder.
+    const QByteArray whole = ZAXDocumentBytes(last, folders).Object(folder, last, 0, 0).End();
+    QVERIFY(LoadBytes(document, whole, ZAXHostDocument::RefuseDamage));
+    QCOMPARE(document.Encode(), whole);
 }
 
 void tst_ZAXHostDocumentDamage::dataThatLookLikeObjectsAreNotTakenForThem()
