@@ -29,7 +29,7 @@ zax_build fuzz "${targets[@]/#/fuzz_}"
 
 out=build/fuzz
 mkdir -p "$out/findings" "$out/log"
-export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:allocator_may_return_null=1
+export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:allocator_may_return_null=1:quarantine_size_mb=64
 export UBSAN_OPTIONS=print_stacktrace=1
 export ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14
 
@@ -39,6 +39,8 @@ fuzz() {
     local dictionary=fuzz/dictionaries/$name.dict
     local options=("-max_total_time=$seconds" -timeout=20 -rss_limit_mb=2048 -malloc_limit_mb=512 -print_final_stats=1)
     [ -f "$dictionary" ] && options+=("-dict=$dictionary")
+    # Long sequences from the start.
+    [ "$name" = CatalogueOperations ] && options+=(-len_control=0 -max_len=1000)
     mkdir -p "$out/corpus/$name"
     "$out/bin/fuzz_$name" "${options[@]}" "-artifact_prefix=$out/findings/$name-" \
         "$out/corpus/$name" "fuzz/corpus/$name" >"$out/log/$name.txt" 2>&1

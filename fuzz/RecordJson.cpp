@@ -21,11 +21,9 @@ void RequireAsQtReads(const QByteArray& text)
         Require(Describe(records->at(static_cast<size_t>(i))) == Describe(byQt.at(i)), "both read the same record");
 }
 
-/// What \a record is once it was written and read.
-ZAXMatDefinition Stored(const ZAXMatDefinition& record)
+QByteArray TextOf(const ZAXMatDefinition& record)
 {
-    const QByteArray text = QJsonDocument(QJsonObject{{QString(), record.ToJson()}}).toJson();
-    return CatalogueModel::ReadByQt(text).constFirst();
+    return QJsonDocument(QJsonObject{{QString(), record.ToJson()}}).toJson();
 }
 
 bool IsAscii(const QByteArrayList& names)
@@ -45,6 +43,12 @@ bool HasAsciiNames(const ZAXMatDefinition& record)
            });
 }
 
+/// Of a text that starts with a byte-order mark, Qt writes that and passes it over when it reads.
+bool IsReadAsWritten(const ZAXMatDefinition& record)
+{
+    return HasAsciiNames(record) && !TextOf(record).contains("\"\xef\xbb\xbf");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
@@ -56,8 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         // A name that is missing is written as an empty one.
         if (record.GetName().isNull())
             record.SetName(QLatin1String(""));
-        if (HasAsciiNames(record))
-            Require(Describe(Stored(record)) == Describe(record), "a record is read as it was written");
+        if (IsReadAsWritten(record))
+            Require(Describe(CatalogueModel::ReadByQt(TextOf(record)).constFirst()) == Describe(record),
+                    "a record is read as it was written");
     }
     return 0;
 }

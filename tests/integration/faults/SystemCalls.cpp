@@ -22,7 +22,7 @@ struct Plan
     int count = 0;
 };
 
-std::array<Plan, 4> plans;
+std::array<Plan, 5> plans;
 bool isHeldUp = false;
 
 /// Carries out what is planned for the next call of the kind. False when that is to fail.
@@ -118,5 +118,12 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
     using Function = int (*)(const char*, const char*);
     static const auto next = Next<Function>("rename");
     return Begin(SystemCalls::Rename) ? next(from, to) : -1;
+}
+
+__attribute__((visibility("default"))) int ftruncate64(int file, off64_t size) noexcept
+{
+    using Function = int (*)(int, off64_t);
+    static const auto next = Next<Function>("ftruncate64");
+    return Begin(SystemCalls::Truncate) ? next(file, size) : -1;
 }
 }

@@ -13,6 +13,7 @@ enum Call
     Read,
     Write,
     Rename,
+    Truncate,
 };
 
 /// For as long as it lives, a call of one kind is held up: just before the \a nth one, counted from 0, \a action runs.

@@ -38,6 +38,7 @@ private slots:
     void withoutFreeFileHandlesNothingIsWritten();
     void aDiskThatFailsLeavesTheFile_data();
     void aDiskThatFailsLeavesTheFile();
+    void aFileWrittenInPlaceThatCannotBeCutStays();
     void aReadThatFailsOnceGoesOn_data();
     void aReadThatFailsOnceGoesOn();
 };
@@ -159,6 +160,24 @@ void tst_catalogue_resources::aDiskThatFailsLeavesTheFile()
     QCOMPARE(folder.Read(), before);
     QCOMPARE(folder.Entries(), QStringList{QLatin1String("materials.json")});
     QCOMPARE(provider.GetMaterialKeys().size(), 202);
+}
+
+void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    QVERIFY(provider.RemoveMaterial("a"));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const OrdinaryUser user;
+        const SystemCalls::Failure failure(SystemCalls::Truncate, 0, EIO);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), First());
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList());
 }
 
 void tst_catalogue_resources::aReadThatFailsOnceGoesOn_data()

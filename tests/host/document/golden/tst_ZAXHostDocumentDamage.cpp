@@ -203,6 +203,7 @@ private slots:
     void dataThatLookLikeObjectsAreNotTakenForThem();
     void damageTakesLittleMemory_data();
     void damageTakesLittleMemory();
+    void damageTakesLittleTime_data();
     void damageTakesLittleTime();
 
 private:
@@ -523,12 +524,23 @@ void tst_ZAXHostDocumentDamage::damageTakesLittleMemory()
     QVERIFY(peak > 0);
 }
 
+void tst_ZAXHostDocumentDamage::damageTakesLittleTime_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    // Ever so many starts of objects that reach to the end of the file.
+    const QByteArray starts = QByteArray("OBJ \0\x08\0\0", 8).repeated(100000) + QByteArray(0x80000, 'x');
+    QTest::newRow("long objects") << ZAXDocumentBytes(1, folders).Raw(starts).End();
+    QTest::newRow("long objects without an end") << ZAXDocumentBytes(1, folders).Raw(starts).Bytes();
+    // Objects one after the other, none of them whole, that can be followed from each.
+    const QByteArray chain = QByteArray("OBJ \0\0\0\0none", 12).repeated(50000);
+    QTest::newRow("a chain") << ZAXDocumentBytes(1, folders).Raw(chain).End();
+    QTest::newRow("a chain without an end") << ZAXDocumentBytes(1, folders).Raw(chain).Bytes();
+    QTest::newRow("a chain that ends too early") << ZAXDocumentBytes(1, folders).Raw(chain).Raw("END ").Bytes();
+}
+
 void tst_ZAXHostDocumentDamage::damageTakesLittleTime()
 {
-    // Ever so many starts of objects that reach to the end of the file.
-    const QByteArray start("OBJ \0\x08\0\0", 8);
-    const QByteArray bytes =
-        ZAXDocumentBytes(1, folders).Raw(start.repeated(100000)).Raw(QByteArray(0x80000, 'x')).End();
+    QFETCH(const QByteArray, bytes);
     ZAXHostDocumentImage image;
     QElapsedTimer timer;
     timer.start();
