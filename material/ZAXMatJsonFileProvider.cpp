@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <new>
 #include <utility>
 
 namespace {
@@ -206,43 +207,72 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
         return;
     // The time of the very file that is read: should another take its place meanwhile, that is read the next time.
     const ZAXMatFileTime::Time timeRead = fileTime.GetOpen(file);
-    const QByteArray text = isOpen ? file.readAll() : QByteArray();
-    if (file.error() != QFileDevice::NoError) {
+    const QString failure = isOpen ? TakeText(file) : file.errorString();
+    if (!failure.isNull()) {
         // Once, not for every operation that tries again.
         if (!std::exchange(isReadFailureLogged, true))
-            Warn("Cannot read", filePath, file.errorString());
+            Warn("Cannot read", filePath, failure);
         return;
     }
-
-    TakeRecords(ReadRecords(filePath, text));
     lastFileTime = timeRead;
     mustLoad = false;
     isReadFailureLogged = false;
 }
 
+QString ZAXMatJsonFileProviderPrivate::TakeText(QFile& file)
+{
+    try {
+        // What was read before a failure Qt gives without a word: only the next attempt tells of it.
+        QByteArray text = file.readAll();
+        for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
+            text.append(more);
+        if (file.error() != QFileDevice::NoError)
+            return file.errorString();
+        TakeRecords(ReadRecords(filePath, text));
+        return {};
+    } catch (const std::bad_alloc&) {
+        return qt_error_string(ENOMEM);
+    }
+}
+
 void ZAXMatJsonFileProviderPrivate::TakeRecords(const std::vector<ZAXMatDefinition>& records)
 {
-    materials.clear();
-    materialPackagings.clear();
-    packagings.clear();
+    // Aside, so that the tables stay as they are should there be no memory for others.
+    Records newMaterials;
+    Records newPackagings;
+    Links newLinks;
     const auto isOf = [](ZAXMatDefinition::Type type) {
         return [type](const ZAXMatDefinition& record) { return record.IsValid() && record.GetType() == type; };
     };
-    materials.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Material)));
-    packagings.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Packaging)));
+    newMaterials.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Material)));
+    newPackagings.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Packaging)));
     for (const ZAXMatDefinition& record : records) {
         if (!record.IsValid())
             continue;
-        if (record.GetType() == ZAXMatDefinition::Material)
-            materials.insert(record.GetKey(), record);
-        else if (record.GetType() == ZAXMatDefinition::Packaging)
-            AddPackaging(record);
+        if (record.GetType() == ZAXMatDefinition::Material) {
+            newMaterials.insert(record.GetKey(), record);
+        } else if (record.GetType() == ZAXMatDefinition::Packaging) {
+            newPackagings.insert(record.GetKey(), record);
+            newLinks.insert(record.GetMaterialKey(), record.GetKey());
+        }
     }
+    materials.swap(newMaterials);
+    packagings.swap(newPackagings);
+    materialPackagings.swap(newLinks);
 }
 
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
-    const QByteArray text = ToText();
+    try {
+        return WriteText(ToText());
+    } catch (const std::bad_alloc&) {
+        Warn("Cannot write", filePath, qt_error_string(ENOMEM));
+        return false;
+    }
+}
+
+bool ZAXMatJsonFileProviderPrivate::WriteText(const QByteArray& text)
+{
     QSaveFile aside(filePath);
     if (aside.open(QIODevice::WriteOnly))
         return WriteAside(aside, text);

@@ -13,11 +13,14 @@
 #include <optional>
 #include <vector>
 
+class QFile;
+
 /// The catalogue in memory and the file that it is read from and written to.
 class ZAXMatJsonFileProviderPrivate
 {
 public:
     using Records = QHash<QByteArray, ZAXMatDefinition>;
+    using Links = QMultiHash<QByteArray, QByteArray>;
 
     ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label, const QString& directory);
 
@@ -49,12 +52,15 @@ public:
     Records materials;
     Records packagings;
     /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds.
-    QMultiHash<QByteArray, QByteArray> materialPackagings;
+    Links materialPackagings;
 
 private:
+    /// Replaces the tables by what \a file holds, which is open. Gives the reason why it cannot; null when it did.
+    QString TakeText(QFile& file);
     void TakeRecords(const std::vector<ZAXMatDefinition>& records);
     /// The text of the file that holds the tables.
     QByteArray ToText() const;
+    bool WriteText(const QByteArray& text);
 };
 
 #endif

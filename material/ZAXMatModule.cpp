@@ -125,11 +125,12 @@ void RegisterFormConverters()
     using Form = ZAXMatPackaging::Form;
     if (!QMetaType::hasRegisteredConverterFunction<Form, QString>())
         QMetaType::registerConverter<Form, QString>(&ZAXMatPackaging::GetFormLabel);
-    if (!QMetaType::hasRegisteredConverterFunction<QString, Form>())
+    if (!QMetaType::hasRegisteredConverterFunction<QString, Form>()) {
         QMetaType::registerConverter<QString, Form>([](const QString& text) {
             return static_cast<Form>(
                 ZAXSysAbstractEnumLocalization::StringToInteger(QMetaType::fromType<Form>().id(), text));
         });
+    }
 }
 
 void RegisterFormLocalization()

@@ -204,7 +204,12 @@ ZAXHostResult ZAXHostDocument::Load(QIODevice* device, Damage damage)
     if (d_ptr->undo.IsBusy())
         return ZAXHostResult::Failed(Tr("A change of the document is still under way."));
     auto replacement = std::make_unique<ZAXFeatContainer>();
-    d_ptr->problems = ZAXHostDocumentImager::Populate(*replacement, image, {});
+    try {
+        d_ptr->problems = ZAXHostDocumentImager::Populate(*replacement, image, {});
+    } catch (const std::exception& exception) {
+        // No id is left for the folder of what has lost its parent.
+        return ZAXHostResult::Failed(QString::fromUtf8(exception.what()));
+    }
     d_ptr->isDamageAccepted = false;
     d_ptr->damagedPath.clear();
     d_ptr->Replace(image, std::move(replacement));

@@ -12,7 +12,7 @@
 #include <memory>
 
 class QIODevice;
-class QMetaObject;
+struct QMetaObject;
 class ZAXFeatContainer;
 class ZAXFeatObject;
 class ZAXHostDocumentPrivate;

@@ -10,7 +10,7 @@
 
 class ZAXFeatContainer;
 class ZAXFeatObject;
-class QMetaObject;
+struct QMetaObject;
 
 /// Turns features into the image of a document, and back.
 namespace ZAXHostDocumentImager {

@@ -13,7 +13,7 @@
 #include <functional>
 #include <memory>
 
-class QMetaObject;
+struct QMetaObject;
 class ZAXFeatContainer;
 class ZAXFeatObject;
 

@@ -14,6 +14,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 // Damage of a document file: it is noticed whatever it is, it costs nothing but what it hits, and it is bounded in
@@ -198,9 +199,11 @@ private slots:
     void whatRefersToALostObjectIsKept();
     void recoveredDocumentOfFullDepthCanBeSaved();
     void parentCycleIsBroken();
+    void whatLeavesNoIdForAFolderIsRefused();
     void dataThatLookLikeObjectsAreNotTakenForThem();
     void damageTakesLittleMemory_data();
     void damageTakesLittleMemory();
+    void damageTakesLittleTime_data();
     void damageTakesLittleTime();
 
 private:
@@ -446,6 +449,23 @@ void tst_ZAXHostDocumentDamage::parentCycleIsBroken()
     QVERIFY(problems.at(1).message.contains(QLatin1String("the object 3 stands behind or below itself")));
 }
 
+void tst_ZAXHostDocumentDamage::whatLeavesNoIdForAFolderIsRefused()
+{
+    constexpr quint64 last = std::numeric_limits<quint64>::max();
+    const QByteArray orphan = ZAXDocumentBytes(last, folders).Object(folder, last, 1, 0).End();
+    ZAXHostDocument document;
+    const QByteArray before = document.Encode();
+    const auto result = LoadBytes(document, orphan, ZAXHostDocument::RecoverDamage);
+    QVERIFY(!result);
+    QCOMPARE(result.GetMessage(), QLatin1String("The document has no ids left for new objects."));
+    QCOMPARE(document.Encode(), before);
+    QVERIFY(!document.IsDamaged());
+    // With a parent it needs no folder.
+    const QByteArray whole = ZAXDocumentBytes(last, folders).Object(folder, last, 0, 0).End();
+    QVERIFY(LoadBytes(document, whole, ZAXHostDocument::RefuseDamage));
+    QCOMPARE(document.Encode(), whole);
+}
+
 void tst_ZAXHostDocumentDamage::dataThatLookLikeObjectsAreNotTakenForThem()
 {
     const Golden golden(QLatin1String("deceptive.zaxdoc"));
@@ -504,12 +524,23 @@ void tst_ZAXHostDocumentDamage::damageTakesLittleMemory()
     QVERIFY(peak > 0);
 }
 
+void tst_ZAXHostDocumentDamage::damageTakesLittleTime_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    // Ever so many starts of objects that reach to the end of the file.
+    const QByteArray starts = QByteArray("OBJ \0\x08\0\0", 8).repeated(100000) + QByteArray(0x80000, 'x');
+    QTest::newRow("long objects") << ZAXDocumentBytes(1, folders).Raw(starts).End();
+    QTest::newRow("long objects without an end") << ZAXDocumentBytes(1, folders).Raw(starts).Bytes();
+    // Objects one after the other, none of them whole, that can be followed from each.
+    const QByteArray chain = QByteArray("OBJ \0\0\0\0none", 12).repeated(50000);
+    QTest::newRow("a chain") << ZAXDocumentBytes(1, folders).Raw(chain).End();
+    QTest::newRow("a chain without an end") << ZAXDocumentBytes(1, folders).Raw(chain).Bytes();
+    QTest::newRow("a chain that ends too early") << ZAXDocumentBytes(1, folders).Raw(chain).Raw("END ").Bytes();
+}
+
 void tst_ZAXHostDocumentDamage::damageTakesLittleTime()
 {
-    // Ever so many starts of objects that reach to the end of the file.
-    const QByteArray start("OBJ \0\x08\0\0", 8);
-    const QByteArray bytes =
-        ZAXDocumentBytes(1, folders).Raw(start.repeated(100000)).Raw(QByteArray(0x80000, 'x')).End();
+    QFETCH(const QByteArray, bytes);
     ZAXHostDocumentImage image;
     QElapsedTimer timer;
     timer.start();

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Feeds the readers of everything that comes from outside with ever new input, two targets at a time.
+# usage: ./fuzz.sh [SECONDS] [TARGET...]
+#   SECONDS  for each target; default: 30
+#   TARGET   only these, such as CatalogueFile (fuzz/CatalogueFile.cpp); default: all
+# exit code: 1 when there is a finding. Findings are left in build/fuzz/findings, new inputs in build/fuzz/corpus.
+set -euo pipefail
+cd "$(dirname "$0")"
+. cmake/setup.sh
+
+seconds=30
+targets=()
+for argument in "$@"; do
+    case $argument in
+        -*)
+            sed -n '3,6s/^# //p' "$0" >&2
+            exit 2
+            ;;
+        *[!0-9]*) targets+=("$argument") ;;
+        *) seconds=$argument ;;
+    esac
+done
+all=(RecordJson CatalogueFile CatalogueOperations DocumentFile RepairedDocumentFile ClassStream ValueText CsvImport)
+[ "${#targets[@]}" -gt 0 ] || targets=("${all[@]}")
+
+# shellcheck disable=SC2086
+zax_install $zax_packages $zax_fuzz_packages
+zax_build fuzz "${targets[@]/#/fuzz_}"
+
+out=build/fuzz
+mkdir -p "$out/findings" "$out/log"
+export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:allocator_may_return_null=1:quarantine_size_mb=64
+export UBSAN_OPTIONS=print_stacktrace=1
+export ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14
+
+# fuzz TARGET: one target from its corpora. Its exit code is the target's.
+fuzz() {
+    local name=$1
+    local dictionary=fuzz/dictionaries/$name.dict
+    local options=("-max_total_time=$seconds" -timeout=20 -rss_limit_mb=2048 -malloc_limit_mb=512 -print_final_stats=1)
+    [ -f "$dictionary" ] && options+=("-dict=$dictionary")
+    # Long sequences from the start.
+    [ "$name" = CatalogueOperations ] && options+=(-len_control=0 -max_len=1000)
+    mkdir -p "$out/corpus/$name"
+    "$out/bin/fuzz_$name" "${options[@]}" "-artifact_prefix=$out/findings/$name-" \
+        "$out/corpus/$name" "fuzz/corpus/$name" >"$out/log/$name.txt" 2>&1
+}
+
+# report TARGET CODE: what came of it, in a line; of a finding, what the target said.
+report() {
+    local log=$out/log/$1.txt
+    if [ "$2" -eq 0 ]; then
+        printf '%-22s %9s inputs, %6s a second\n' "$1" \
+            "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")" \
+            "$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log")"
+        return
+    fi
+    printf '%-22s FINDING, code %s; in full: %s\n' "$1" "$2" "$log"
+    grep -E -m 16 'Does not hold|ERROR|runtime error|^ +#[0-9]|Test unit written' "$log" || tail -n 30 "$log"
+}
+
+code=0
+while [ "${#targets[@]}" -gt 0 ]; do
+    pair=("${targets[@]:0:2}")
+    targets=("${targets[@]:2}")
+    jobs=()
+    for name in "${pair[@]}"; do
+        fuzz "$name" &
+        jobs+=($!)
+    done
+    for i in "${!pair[@]}"; do
+        result=0
+        wait "${jobs[$i]}" || result=$?
+        report "${pair[$i]}" "$result"
+        [ "$result" -eq 0 ] || code=1
+    done
+done
+exit "$code"

@@ -1,0 +1,205 @@
+#include "CatalogueFolder.h"
+#include "CatalogueText.h"
+#include "SystemCalls.h"
+#include "ZAXMatJsonFileProvider.h"
+
+#include <QTest>
+
+#include <cerrno>
+
+// The system refuses what a catalogue needs. The other ways it may do so, such as folders and files that must not be
+// written to and disks that are full, are in the tests of the provider itself.
+
+namespace {
+
+QByteArray First()
+{
+    return CatalogueOf({MaterialText("a", "{'':{'thickness':1}}"), PackagingText("p", "a")});
+}
+
+QByteArray Second()
+{
+    return CatalogueOf({MaterialText("b"), MaterialText("c")}) + QByteArray(40000, ' ');
+}
+
+} // namespace
+
+class tst_catalogue_resources : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aFileThatIsOpenedButNotReadLeavesTheCatalogue_data();
+    void aFileThatIsOpenedButNotReadLeavesTheCatalogue();
+    void aFileOfTheSystemThatCannotBeReadLeavesTheCatalogue();
+    void withoutFreeFileHandlesTheCatalogueStays_data();
+    void withoutFreeFileHandlesTheCatalogueStays();
+    void withoutFreeFileHandlesNothingIsWritten_data();
+    void withoutFreeFileHandlesNothingIsWritten();
+    void aDiskThatFailsLeavesTheFile_data();
+    void aDiskThatFailsLeavesTheFile();
+    void aFileWrittenInPlaceThatCannotBeCutStays();
+    void aReadThatFailsOnceGoesOn_data();
+    void aReadThatFailsOnceGoesOn();
+};
+
+void tst_catalogue_resources::aFileThatIsOpenedButNotReadLeavesTheCatalogue_data()
+{
+    QTest::addColumn<int>("nth");
+    QTest::newRow("from its start") << 0;
+    QTest::newRow("from its middle") << 1;
+    QTest::newRow("at its end") << 40;
+}
+
+void tst_catalogue_resources::aFileThatIsOpenedButNotReadLeavesTheCatalogue()
+{
+    QFETCH(const int, nth);
+    CatalogueFolder folder;
+    folder.Write(First());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    const QStringList before = ContentOf(provider);
+    folder.Write(Second());
+    ExpectWarning(QString::fromUtf8("^Cannot read .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Read, nth, EIO);
+        QCOMPARE(ContentOf(provider), before);
+    }
+    QCOMPARE(provider.GetMaterialKeys().size(), 2);
+}
+
+void tst_catalogue_resources::aFileOfTheSystemThatCannotBeReadLeavesTheCatalogue()
+{
+    // It opens, and reading its first byte fails, even for the superuser: there is no memory at that address.
+    CatalogueFolder folder;
+    folder.Write(First());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    const QStringList before = ContentOf(provider);
+    folder.Remove();
+    QVERIFY(QFile::link(QLatin1String("/proc/self/mem"), folder.FilePath()));
+    ExpectWarning(QString::fromUtf8("^Cannot read .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    QCOMPARE(ContentOf(provider), before);
+}
+
+void tst_catalogue_resources::withoutFreeFileHandlesTheCatalogueStays_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("of the program") << EMFILE;
+    QTest::newRow("of the system") << ENFILE;
+    QTest::newRow("without memory") << ENOMEM;
+}
+
+void tst_catalogue_resources::withoutFreeFileHandlesTheCatalogueStays()
+{
+    QFETCH(const int, error);
+    CatalogueFolder folder;
+    folder.Write(First());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    const QStringList before = ContentOf(provider);
+    folder.Write(Second());
+    ExpectWarning(QString::fromUtf8("^Cannot read .*/zax ø .*/materials\\.json: ") + SystemError(error) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Open, 0, error);
+        QCOMPARE(ContentOf(provider), before);
+    }
+    QCOMPARE(provider.GetMaterialKeys().size(), 2);
+}
+
+void tst_catalogue_resources::withoutFreeFileHandlesNothingIsWritten_data()
+{
+    withoutFreeFileHandlesTheCatalogueStays_data();
+    QTest::newRow("on a full disk") << ENOSPC;
+    QTest::newRow("on a disk without room for this user") << EDQUOT;
+    QTest::newRow("on a disk that must not be written to") << EROFS;
+}
+
+void tst_catalogue_resources::withoutFreeFileHandlesNothingIsWritten()
+{
+    QFETCH(const int, error);
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    const QByteArray key = provider.CreateMaterial(QLatin1String("New")).GetKey();
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(error) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Open, 0, error);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), First());
+    QCOMPARE(folder.Entries(), QStringList{QLatin1String("materials.json")});
+    QVERIFY(provider.GetMaterial(key).IsValid());
+}
+
+void tst_catalogue_resources::aDiskThatFailsLeavesTheFile_data()
+{
+    QTest::addColumn<int>("nth");
+    QTest::addColumn<int>("error");
+    for (const int nth : {0, 1, 60}) {
+        QTest::addRow("full at call %d", nth) << nth << ENOSPC;
+        QTest::addRow("over quota at call %d", nth) << nth << EDQUOT;
+        QTest::addRow("broken at call %d", nth) << nth << EIO;
+    }
+}
+
+void tst_catalogue_resources::aDiskThatFailsLeavesTheFile()
+{
+    QFETCH(const int, nth);
+    QFETCH(const int, error);
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    for (int i = 0; i < 200; ++i)
+        provider.CreateMaterial(QLatin1String("New"));
+    provider.Commit();
+    const QByteArray before = folder.Read();
+    provider.CreateMaterial(QLatin1String("One more"));
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(error) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Write, nth, error);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), before);
+    QCOMPARE(folder.Entries(), QStringList{QLatin1String("materials.json")});
+    QCOMPARE(provider.GetMaterialKeys().size(), 202);
+}
+
+void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    QVERIFY(provider.RemoveMaterial("a"));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const OrdinaryUser user;
+        const SystemCalls::Failure failure(SystemCalls::Truncate, 0, EIO);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), First());
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList());
+}
+
+void tst_catalogue_resources::aReadThatFailsOnceGoesOn_data()
+{
+    QTest::addColumn<int>("nth");
+    QTest::addColumn<int>("error");
+    QTest::newRow("interrupted at its start") << 0 << EINTR;
+    QTest::newRow("interrupted in its middle") << 20 << EINTR;
+    QTest::newRow("failing in its middle") << 20 << EIO;
+}
+
+void tst_catalogue_resources::aReadThatFailsOnceGoesOn()
+{
+    QFETCH(const int, nth);
+    QFETCH(const int, error);
+    CatalogueFolder folder;
+    folder.Write(First());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    folder.Write(Second());
+    const SystemCalls::Failure failure(SystemCalls::Read, nth, error, 1);
+    QCOMPARE(provider.GetMaterialKeys().size(), 2);
+}
+
+QTEST_GUILESS_MAIN(tst_catalogue_resources)
+#include "tst_catalogue_resources.moc"
