@@ -48,7 +48,13 @@ private:
 class ZAXFeatPropertyChange
 {
 public:
+    struct IsOpen
+    {
+    };
+
     explicit ZAXFeatPropertyChange(ZAXFeatPropertyBase& property) : m_property(&property) { property.BeginModify(); }
+    /// Takes over a change that was opened before.
+    ZAXFeatPropertyChange(ZAXFeatPropertyBase& property, IsOpen) : m_property(&property) {}
     ~ZAXFeatPropertyChange()
     {
         if (m_property)

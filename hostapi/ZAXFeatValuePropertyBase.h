@@ -1,9 +1,19 @@
 #ifndef ZAXFEATVALUEPROPERTYBASE_H
 #define ZAXFEATVALUEPROPERTYBASE_H
 
+#include "ZAXFeatKeptValue.h"
 #include "ZAXFeatPropertyBase.h"
 
 #include <QVariant>
+
+class ZAXFeatValuePropertyBase;
+
+/// How the host takes the value of a property of one type, and puts it back, past all changes and signals.
+struct ZAXFeatValueAccess
+{
+    ZAXFeatKeptValue (*keep)(const ZAXFeatValuePropertyBase& property);
+    void (*restore)(ZAXFeatValuePropertyBase& property, const ZAXFeatKeptValue& value);
+};
 
 /// A property that holds a value, and that may remember the value the user last gave it.
 class ZAXFEATURE_EXPORT ZAXFeatValuePropertyBase : public ZAXFeatPropertyBase
@@ -31,10 +41,16 @@ public:
     /// restores values: nobody chose those anew.
     void SetLastSavedValue(const QVariant& value);
 
+    /// BeginModify() for a change of nothing but the value: undo keeps that alone then, not all of the feature. The
+    /// same as BeginModify() for a property that is not bound, or whose value the host has no access to.
+    void BeginValueModify();
+
 protected:
     /// A property of \a feature bound to the meta-object property \a propertyIndex. An unbound one has no name, and
     /// so remembers nothing.
     ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex);
+    /// The same, with \a access to the value, which must outlive the property.
+    ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex, const ZAXFeatValueAccess* access);
 };
 
 #endif

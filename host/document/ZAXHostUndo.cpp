@@ -37,7 +37,7 @@ public:
 
     void BeginStep() override { ++depth; }
     void EndStep() override;
-    void AboutToChange(ZAXFeatObject* feature) override;
+    void AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only) override;
     void Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to) override;
     void Destroyed(ZAXFeatObject* feature) override;
     bool KeepsRemoved() const override { return true; }
@@ -56,10 +56,12 @@ public:
     ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
+    /// What \a step does, in the user's words.
+    const QString& NameOf(const ZAXHostUndoStep& step);
     /// Takes what was recorded back. Fails when a feature does not take its former state.
     ZAXHostResult RollBackRecorded();
-    /// Does \a step in \a direction, or leaves everything as it is; then it gives the message.
-    QString Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// Does \a recordedStep in \a direction, or leaves everything as it is; then it gives the message.
+    QString Restore(const ZAXHostUndoStep& recordedStep, ZAXHostUndoStep::Direction direction);
     /// Takes back what slots changed while \a step was done in \a direction, and the step itself unless it is to
     /// \a stay done.
     void Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction, bool stay);
@@ -86,6 +88,8 @@ public:
     ZAXHostUndoStep::Direction failedDirection = ZAXHostUndoStep::Back;
     QString failure;
     QList<quint64> discarded;
+    ZAXHostUndoStep::Description lastDescription;
+    QString lastName;
     int depth = 0;
     bool isInTransaction = false;
     bool isRestoring = false;
@@ -130,11 +134,10 @@ private:
 class Command : public QUndoCommand
 {
 public:
-    Command(ZAXHostUndoPrivate* undo, const ZAXHostUndoStep& step, const QString& text)
-        : QUndoCommand(text), m_undo(undo), m_step(step)
-    {
-    }
+    Command(ZAXHostUndoPrivate* undo, ZAXHostUndoStep&& step) : m_undo(undo), m_step(std::move(step)) {}
     ~Command() override { m_undo->Discard(m_step.Keeps(m_lastDirection)); }
+
+    ZAXHostUndoStep& Step() { return m_step; }
 
     void undo() override { Go(ZAXHostUndoStep::Back); }
     void redo() override
@@ -176,13 +179,13 @@ void ZAXHostUndoPrivate::EndStep()
     }
 }
 
-void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
+void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only)
 {
     // What is not announced yet is not there yet for undo: it comes with all that it has then.
     if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         return;
     if (!isRestoring)
-        recorded.AddState(feature);
+        recorded.AddState(feature, only);
     else if (!restored->HasState(feature->GetId()) && !takenBack.HasState(feature->GetId()))
         foreign.AddState(feature);
 }
@@ -216,23 +219,40 @@ ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
 
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    const ZAXHostUndoStep step = Take(recorded);
+    auto command = std::make_unique<Command>(this, std::move(recorded));
+    recorded = {};
+    ZAXHostUndoStep& step = command->Step();
+    Discard(step.Close(*container));
     if (!step.IsComplete())
         stack.resetClean();
     if (!step.IsEmpty()) {
+        const QString& name = text.isEmpty() ? NameOf(step) : text;
+        command->setText(name);
         const auto pushed = qScopeGuard([this, wasPushing = std::exchange(isPushing, true)] {
             isPushing = wasPushing;
             FreeDiscarded();
         });
-        stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
+        stack.push(command.release());
     }
     FreeDiscarded();
 }
 
+const QString& ZAXHostUndoPrivate::NameOf(const ZAXHostUndoStep& step)
+{
+    // One change after the other is of the same feature: such steps share their name.
+    auto description = step.Describe(*container);
+    if (description != lastDescription) {
+        lastDescription = std::move(description);
+        lastName = lastDescription.text.arg(lastDescription.label);
+    }
+    return lastName;
+}
+
 ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
 {
-    const ZAXHostUndoStep step = Take(recorded);
-    bool isRestored = step.IsComplete();
+    QString failure;
+    const ZAXHostUndoStep step = Take(recorded).Whole(*container, ZAXHostUndoStep::Back, failure);
+    bool isRestored = step.IsComplete() && failure.isEmpty();
     if (!step.IsEmpty()) {
         const Restoring restoring(*this, step);
         done = step.placings;
@@ -270,8 +290,12 @@ void ZAXHostUndoPrivate::Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Di
     }
 }
 
-QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& recordedStep, ZAXHostUndoStep::Direction direction)
 {
+    QString failure;
+    const ZAXHostUndoStep step = recordedStep.Whole(*container, direction, failure);
+    if (!failure.isEmpty())
+        return failure;
     const Restoring restoring(*this, step);
     try {
         step.Apply(*container, direction, done);
@@ -310,7 +334,7 @@ void ZAXHostUndoPrivate::ReturnToFailure()
 
 void ZAXHostUndoPrivate::FreeDiscarded()
 {
-    if (isPushing || isRestoring || !container)
+    if (discarded.isEmpty() || isPushing || isRestoring || !container)
         return;
     const auto ids = std::exchange(discarded, {});
     for (const quint64 id : ids) {

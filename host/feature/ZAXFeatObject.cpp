@@ -145,7 +145,10 @@ void ZAXFeatObject::PostDuplicate(const ZAXFeatObject*, const ZAXFeatObject*) {}
 
 QString ZAXFeatObject::GetLabel() const
 {
-    return GetLabelPrefix() + (d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label) + GetLabelSuffix();
+    const QString prefix = GetLabelPrefix();
+    const QString suffix = GetLabelSuffix();
+    QString label = d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label;
+    return prefix.isEmpty() && suffix.isEmpty() ? label : prefix + label + suffix;
 }
 
 QString ZAXFeatObject::GetLabelPrefix() const

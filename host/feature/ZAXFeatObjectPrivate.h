@@ -65,10 +65,13 @@ public:
     /// with the feature afterwards.
     bool IsInUse() const;
 
-    /// Opens a change of the feature's state; changes may nest.
-    void BeginModify();
+    /// Opens a change of the feature's state; changes may nest. In a change of \a only, nothing but its value changes.
+    void BeginModify(ZAXFeatValuePropertyBase* only = nullptr);
     /// Closes the change that BeginModify() opened.
     void EndModify();
+
+    /// The property bound to the meta-object property \a index, if the host has access to its value; null if not.
+    ZAXFeatValuePropertyBase* FindValueProperty(int index) const;
 
     /// The feature itself and all below it.
     QList<ZAXFeatObject*> Subtree() const;
@@ -96,10 +99,14 @@ public:
 
     /// Properties to initialise from last-saved values.
     QList<ZAXFeatValuePropertyBase*> initializations;
+    /// The first of the properties whose values the host has access to.
+    ZAXFeatValuePropertyBase* valueProperties = nullptr;
     /// Properties, of any feature, that point at this one.
     QList<ZAXFeatObjectPropertyBase*> pointers;
 
     int openChanges = 0;
+    /// The property that alone changes in the open change; null when anything may.
+    ZAXFeatValuePropertyBase* changing = nullptr;
     /// How many EndModify() are at work with the feature, its last change being closed.
     int closings = 0;
     bool isInitialized = false;

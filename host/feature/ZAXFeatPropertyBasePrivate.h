@@ -6,6 +6,9 @@
 #include "ZAXFeatPropertyBase.h"
 #include "ZAXGeoGeometryRef.h"
 
+class ZAXFeatValuePropertyBase;
+struct ZAXFeatValueAccess;
+
 class ZAXFeatPropertyBasePrivate
 {
 public:
@@ -18,6 +21,10 @@ public:
     ZAXFeatObject* pointed = nullptr;
     /// What an object property would point at, were it there.
     ZAXGeoGeometryRef unavailable = {};
+    /// How to get at the value of a bound value property; null for all others.
+    const ZAXFeatValueAccess* access = nullptr;
+    /// The next one of the feature's properties with such an access.
+    ZAXFeatValuePropertyBase* nextValue = nullptr;
 };
 
 #endif

@@ -3,17 +3,38 @@
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
 #include "ZAXFeatObjectPrivate.h"
+#include "ZAXFeatPropertyBasePrivate.h"
 
 #include <QMetaProperty>
 
 ZAXFeatValuePropertyBase::ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex)
+    : ZAXFeatValuePropertyBase(feature, propertyIndex, nullptr)
+{
+}
+
+ZAXFeatValuePropertyBase::ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex,
+                                                   const ZAXFeatValueAccess* access)
     : ZAXFeatPropertyBase(feature, propertyIndex)
 {
+    if (propertyIndex < 0 || !access)
+        return;
+    auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
+    d.access = access;
+    d.nextValue = std::exchange(ZAXFeatObjectPrivate::Get(*feature).valueProperties, this);
 }
 
 ZAXFeatValuePropertyBase::~ZAXFeatValuePropertyBase()
 {
-    ZAXFeatObjectPrivate::Get(*GetFeature()).initializations.removeOne(this);
+    auto& feature = ZAXFeatObjectPrivate::Get(*GetFeature());
+    feature.initializations.removeOne(this);
+    auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
+    if (!d.access)
+        return;
+    // Most often it is the first one: properties go in the opposite order in which they came.
+    auto** link = &feature.valueProperties;
+    while (*link != this)
+        link = &ZAXFeatPropertyBasePrivate::Get(**link).nextValue;
+    *link = d.nextValue;
 }
 
 bool ZAXFeatValuePropertyBase::HasLimits() const
@@ -44,6 +65,12 @@ QVariant ZAXFeatValuePropertyBase::GetMaxLimit() const
 bool ZAXFeatValuePropertyBase::GetMaxLimitInclusion() const
 {
     return false;
+}
+
+void ZAXFeatValuePropertyBase::BeginValueModify()
+{
+    const bool hasAccess = ZAXFeatPropertyBasePrivate::Get(*this).access;
+    ZAXFeatObjectPrivate::Get(*GetFeature()).BeginModify(hasAccess ? this : nullptr);
 }
 
 void ZAXFeatValuePropertyBase::RequestInitialization()
