@@ -83,7 +83,7 @@ private:
 template <typename T>
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatValueProperty<T>& property)
 {
-    stream.GetDataStream() << property.GetValue();
+    stream << property.GetValue();
     return stream;
 }
 
@@ -92,7 +92,7 @@ template <typename T>
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatValueProperty<T>& property)
 {
     T value{};
-    stream.GetDataStream() >> value;
+    stream >> value;
     if (stream.GetDataStream().status() == QDataStream::Ok)
         property.Apply(value);
     return stream;

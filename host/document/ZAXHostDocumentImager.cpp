@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -33,6 +34,27 @@ class Adder
 public:
     explicit Adder(ZAXHostDocumentImage& image) : m_image(image) {}
 
+    /// With \a isAll, there are no other features in the document.
+    void AddAll(const QList<ZAXFeatObject*>& features, quint64 parent, bool isAll)
+    {
+        if (isAll)
+            m_image.records.reserve(
+                ZAXGeoContainerPrivate::Get(*features.constFirst()->GetContainer()).geometries.size());
+        Add(features, parent, 1);
+        m_image.data = m_payloads;
+        for (const auto& [record, start, size] : m_slices)
+            m_image.records[record].payload = QByteArray::fromRawData(m_image.data.constData() + start, size);
+    }
+
+private:
+    /// Where the payload of a record lies among all.
+    struct Slice
+    {
+        qsizetype record;
+        qsizetype start;
+        qsizetype size;
+    };
+
     void Add(const QList<ZAXFeatObject*>& siblings, quint64 parent, int nesting)
     {
         if (nesting > ZAXHostDocumentCodec::maximumNesting && !siblings.isEmpty())
@@ -43,16 +65,18 @@ public:
             record.id = feature->GetId();
             record.parent = parent;
             record.place = place++;
-            m_image.records.append(record);
-            Add(feature->GetChildren(), feature->GetId(), nesting + 1);
+            m_image.records.append(std::move(record));
+            const auto children = feature->GetChildren();
+            if (!children.isEmpty())
+                Add(children, feature->GetId(), nesting + 1);
         }
     }
 
-private:
     ZAXHostDocumentRecord RecordOf(const ZAXFeatObject* feature)
     {
         ZAXHostDocumentRecord record;
-        if (const auto* const placeholder = qobject_cast<const ZAXHostPlaceholder*>(feature)) {
+        if (ZAXFeatObjectPrivate::Get(*feature).isPlaceholder) {
+            const auto* const placeholder = static_cast<const ZAXHostPlaceholder*>(feature);
             record.classIndex = m_image.AddClass(placeholder->GetClasses());
             record.references = placeholder->GetReferences();
             record.payload = placeholder->GetPayload();
@@ -63,15 +87,23 @@ private:
             known != m_classes.constEnd()
                 ? known.value()
                 : m_classes.insert(feature->metaObject(), m_image.AddClass(ChainOf(feature->metaObject()))).value();
-        ZAXGeoStream stream(feature->GetContainer());
-        feature->Save(stream);
-        record.references = stream.GetReferences();
-        record.payload = stream.GetPayload();
+        if (!m_stream || m_stream->GetContainer() != feature->GetContainer())
+            m_stream.emplace(feature->GetContainer());
+        m_stream->Restart();
+        feature->Save(*m_stream);
+        record.references = m_stream->GetReferences();
+        const QByteArrayView payload = m_stream->ViewPayload();
+        m_slices.append({m_image.records.size(), m_payloads.size(), payload.size()});
+        m_payloads.append(payload);
         return record;
     }
 
     ZAXHostDocumentImage& m_image;
     QHash<const QMetaObject*, quint32> m_classes;
+    /// One for all, whose buffer has grown to what they take.
+    std::optional<ZAXGeoStream> m_stream;
+    QByteArray m_payloads;
+    QList<Slice> m_slices;
 };
 
 /// Makes the objects of an image. Objects that turn out not to take their data are noted in \a refused: the reading
@@ -215,7 +247,8 @@ private:
 void ZAXHostDocumentImager::Add(const QList<ZAXFeatObject*>& features, bool isTop, ZAXHostDocumentImage& image)
 {
     const ZAXFeatObject* const parent = features.isEmpty() || isTop ? nullptr : features.constFirst()->GetParent();
-    Adder(image).Add(features, parent ? parent->GetId() : 0, 1);
+    const bool isAll = !features.isEmpty() && !features.constFirst()->GetParent();
+    Adder(image).AddAll(features, parent ? parent->GetId() : 0, isAll);
 }
 
 quint64 ZAXHostDocumentImager::HighestId(const ZAXHostDocumentImage& image, quint64 highest)

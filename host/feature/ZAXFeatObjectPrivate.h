@@ -86,6 +86,10 @@ public:
     ZAXFeatObject* const q;
     ZAXFeatContainer* const container;
     ZAXFeatObject* parent = nullptr;
+    QString label;
+    bool isVisible = true;
+    /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
+    bool isPlaceholder = false;
     /// The parent that raised ChildAdded() for the feature last, and not ChildRemoved() since.
     QPointer<ZAXFeatObject> toldParent;
     QList<ZAXFeatObject*> children;
@@ -93,8 +97,6 @@ public:
     mutable QList<ZAXFeatObject*> allChildren;
     mutable quint64 allChildrenVersion = 0;
 
-    QString label;
-    bool isVisible = true;
     QList<ZAXFeatObject::PropertyMessage> messages;
 
     /// Properties to initialise from last-saved values.
@@ -113,8 +115,6 @@ public:
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;
     bool isAside = false;
-    /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
-    bool isPlaceholder = false;
     /// Remove() is under way.
     bool isLeaving = false;
 
