@@ -14,6 +14,10 @@
 /// feature only as a ZAXFeatObject.
 namespace ZAXFeatPropertySignals {
 
+/// Whether \a feature is being loaded, nobody is connected to the notify signal of its property \a index, and nothing
+/// could go wrong with raising it.
+ZAXFEATURE_EXPORT bool IsUnheard(const ZAXFeatObject* feature, int index);
+
 /// Invokes \a signal on \a feature with \a argument, whose type is named \a typeName as an argument and
 /// \a returnTypeName in the return position; without any argument where the signal takes none.
 /// QMetaMethod::invoke() checks the number of arguments, never their types: \a argument must be of the type that the
@@ -36,7 +40,7 @@ inline bool Invoke(const QMetaMethod& signal, ZAXFeatObject* feature, const char
 /// \throws ZAXSysException when the signal takes something that the value does not convert to.
 inline void EmitPropertyChanged(ZAXFeatObject* feature, int index)
 {
-    if (index < 0)
+    if (index < 0 || IsUnheard(feature, index))
         return;
     const QMetaProperty property = feature->metaObject()->property(index);
     if (!property.hasNotifySignal())

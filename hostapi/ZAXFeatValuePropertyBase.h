@@ -51,6 +51,13 @@ protected:
     ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex);
     /// The same, with \a access to the value, which must outlive the property.
     ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex, const ZAXFeatValueAccess* access);
+
+private:
+    friend class ZAXFeatPropertyBasePrivate;
+    /// Null without a binding.
+    const ZAXFeatValueAccess* m_access = nullptr;
+    /// The next one of the feature's properties that have an access.
+    ZAXFeatValuePropertyBase* m_next = nullptr;
 };
 
 #endif

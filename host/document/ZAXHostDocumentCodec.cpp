@@ -145,8 +145,11 @@ public:
     explicit Decoder(QByteArrayView bytes, const ZAXHostDocumentImage* expected = nullptr)
         : m_bytes(bytes), m_reader(bytes), m_expected(expected)
     {
-        if (expected)
-            m_branches.reserve(expected->records.size());
+        // What objects usually take.
+        const qsizetype objects = expected ? expected->records.size() : bytes.size() / 256;
+        m_branches.reserve(objects);
+        if (!expected)
+            m_image.records.reserve(objects);
     }
 
     ZAXHostResult Decode(ZAXHostDocumentImage& image)

@@ -48,7 +48,7 @@ using KeptValue = ZAXFeatKeptValue ZAXHostUndoStep::Value::*;
 
 ZAXFeatKeptValue ValueOf(const ZAXFeatValuePropertyBase& property)
 {
-    return ZAXFeatPropertyBasePrivate::Get(property).access->keep(property);
+    return ZAXFeatPropertyBasePrivate::Access(property)->keep(property);
 }
 
 /// Gives properties of a feature other values, past changes and signals, as long as it lives.
@@ -76,7 +76,7 @@ public:
 private:
     static void Set(ZAXFeatValuePropertyBase& property, const ZAXFeatKeptValue& value)
     {
-        ZAXFeatPropertyBasePrivate::Get(property).access->restore(property, value);
+        ZAXFeatPropertyBasePrivate::Access(property)->restore(property, value);
     }
 
     QList<std::pair<ZAXFeatValuePropertyBase*, ZAXFeatKeptValue>> m_present;

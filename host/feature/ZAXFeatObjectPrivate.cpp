@@ -296,13 +296,10 @@ void ZAXFeatObjectPrivate::EndModify()
 
 ZAXFeatValuePropertyBase* ZAXFeatObjectPrivate::FindValueProperty(int index) const
 {
-    for (auto* property = valueProperties; property;) {
-        const auto& d = ZAXFeatPropertyBasePrivate::Get(*property);
-        if (d.index == index)
-            return property;
-        property = d.nextValue;
-    }
-    return nullptr;
+    auto* property = valueProperties;
+    while (property && ZAXFeatPropertyBasePrivate::Index(*property) != index)
+        property = ZAXFeatPropertyBasePrivate::Next(*property);
+    return property;
 }
 
 QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const

@@ -65,6 +65,9 @@ public:
     /// with the feature afterwards.
     bool IsInUse() const;
 
+    /// Whether nobody is connected to \a signal.
+    bool IsUnheard(const QMetaMethod& signal) const { return !q->isSignalConnected(signal); }
+
     /// Opens a change of the feature's state; changes may nest. In a change of \a only, nothing but its value changes.
     void BeginModify(ZAXFeatValuePropertyBase* only = nullptr);
     /// Closes the change that BeginModify() opened.

@@ -2,8 +2,8 @@
 
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
+#include "ZAXFeatLoading.h"
 #include "ZAXFeatObjectPrivate.h"
-#include "ZAXFeatPropertyBasePrivate.h"
 
 #include <QMetaProperty>
 
@@ -18,23 +18,21 @@ ZAXFeatValuePropertyBase::ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int p
 {
     if (propertyIndex < 0 || !access)
         return;
-    auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
-    d.access = access;
-    d.nextValue = std::exchange(ZAXFeatObjectPrivate::Get(*feature).valueProperties, this);
+    m_access = access;
+    m_next = std::exchange(ZAXFeatObjectPrivate::Get(*feature).valueProperties, this);
 }
 
 ZAXFeatValuePropertyBase::~ZAXFeatValuePropertyBase()
 {
     auto& feature = ZAXFeatObjectPrivate::Get(*GetFeature());
     feature.initializations.removeOne(this);
-    auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
-    if (!d.access)
+    if (!m_access)
         return;
     // Most often it is the first one: properties go in the opposite order in which they came.
     auto** link = &feature.valueProperties;
     while (*link != this)
-        link = &ZAXFeatPropertyBasePrivate::Get(**link).nextValue;
-    *link = d.nextValue;
+        link = &(*link)->m_next;
+    *link = m_next;
 }
 
 bool ZAXFeatValuePropertyBase::HasLimits() const
@@ -69,14 +67,15 @@ bool ZAXFeatValuePropertyBase::GetMaxLimitInclusion() const
 
 void ZAXFeatValuePropertyBase::BeginValueModify()
 {
-    const bool hasAccess = ZAXFeatPropertyBasePrivate::Get(*this).access;
-    ZAXFeatObjectPrivate::Get(*GetFeature()).BeginModify(hasAccess ? this : nullptr);
+    ZAXFeatObjectPrivate::Get(*GetFeature()).BeginModify(m_access ? this : nullptr);
 }
 
 void ZAXFeatValuePropertyBase::RequestInitialization()
 {
-    auto& requests = ZAXFeatObjectPrivate::Get(*GetFeature()).initializations;
-    if (!requests.contains(this))
+    auto& feature = ZAXFeatObjectPrivate::Get(*GetFeature());
+    auto& requests = feature.initializations;
+    // One that is re-created is never initialised.
+    if (!feature.isInitialized && !requests.contains(this))
         requests.append(this);
 }
 
@@ -94,5 +93,7 @@ void ZAXFeatValuePropertyBase::SetLastSavedValue(const QVariant& value)
     if (GetPropertyIndex() < 0 || (container && ZAXFeatContainerPrivate::Get(*container).isRestoring))
         return;
     const QMetaObject* const type = GetFeature()->metaObject();
+    if (ZAXFeatLoading::KeepBack(type, GetPropertyIndex(), value))
+        return;
     ZAXFeatLastSavedStore::GetCurrent().SetValue(type->className(), type->property(GetPropertyIndex()).name(), value);
 }

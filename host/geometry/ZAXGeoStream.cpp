@@ -111,20 +111,28 @@ public:
         return true;
     }
 
-    /// The length before a text or bytes, all of which are ahead; -1 for a null one, none where the data stream must
-    /// read it.
-    std::optional<qsizetype> SizeAhead() const
+    /// What lies ahead behind its length.
+    struct Piece
+    {
+        /// Null for what is.
+        const char* bytes;
+        qsizetype size;
+    };
+    /// The text or bytes ahead, all of which are there; none where the data stream must read them.
+    std::optional<Piece> NextPiece() const
     {
         const char* const from = Ahead(sizeof(quint32));
         if (!from)
             return {};
         const auto size = qFromBigEndian<quint32>(from);
         if (size == nullSize)
-            return -1;
-        if (size > longSize || !Ahead(static_cast<qsizetype>(sizeof(quint32) + size)))
+            return Piece{nullptr, 0};
+        const qsizetype left = device.data().constData() + device.data().size() - from - qsizetype(sizeof(quint32));
+        if (size > longSize || static_cast<qsizetype>(size) > left)
             return {};
-        return static_cast<qsizetype>(size);
+        return Piece{from + sizeof(quint32), static_cast<qsizetype>(size)};
     }
+    void Skip(const Piece& piece) { Skip(static_cast<qsizetype>(sizeof(quint32)) + piece.size); }
 
     /// What QDataStream writes in the place of the length of what is null.
     static constexpr quint32 nullSize = 0xffffffff;
@@ -176,7 +184,9 @@ ZAXGeoContainer* ZAXGeoStream::GetContainer() const
 
 int ZAXGeoStream::GetVersion(const QMetaObject* type) const
 {
-    return d_ptr->versions ? d_ptr->versions->value(type->className(), 1) : GetCurrentVersion(type);
+    return d_ptr->versions
+               ? d_ptr->versions->value(QByteArray::fromRawData(type->className(), qstrlen(type->className())), 1)
+               : GetCurrentVersion(type);
 }
 
 void ZAXGeoStream::SetVersions(const QHash<QByteArray, int>& versions)
@@ -302,15 +312,15 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QString& value)
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, QString& value)
 {
     auto& d = ZAXGeoStreamPrivate::Get(stream);
-    const auto size = d.SizeAhead();
-    if (!size || *size % qsizetype(sizeof(QChar)) > 0) {
+    const auto piece = d.NextPiece();
+    if (!piece || piece->size % qsizetype(sizeof(QChar)) > 0) {
         stream.GetDataStream() >> value;
         return stream;
     }
-    value = *size < 0 ? QString() : QString(*size / qsizetype(sizeof(QChar)), Qt::Uninitialized);
-    if (*size > 0)
-        CopyText(d.Ahead(sizeof(quint32)) + sizeof(quint32), *size, value.data());
-    d.Skip(static_cast<qsizetype>(sizeof(quint32)) + std::max<qsizetype>(*size, 0));
+    value = piece->bytes ? QString(piece->size / qsizetype(sizeof(QChar)), Qt::Uninitialized) : QString();
+    if (piece->size > 0)
+        CopyText(piece->bytes, piece->size, value.data());
+    d.Skip(*piece);
     return stream;
 }
 
@@ -330,12 +340,12 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QByteArray& value)
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, QByteArray& value)
 {
     auto& d = ZAXGeoStreamPrivate::Get(stream);
-    const auto size = d.SizeAhead();
-    if (!size) {
+    const auto piece = d.NextPiece();
+    if (!piece) {
         stream.GetDataStream() >> value;
         return stream;
     }
-    value = *size < 0 ? QByteArray() : QByteArray(d.Ahead(sizeof(quint32)) + sizeof(quint32), *size);
-    d.Skip(static_cast<qsizetype>(sizeof(quint32)) + std::max<qsizetype>(*size, 0));
+    value = piece->bytes ? QByteArray(piece->bytes, piece->size) : QByteArray();
+    d.Skip(*piece);
     return stream;
 }
