@@ -13,6 +13,10 @@
 #include <QUndoCommand>
 #include <QUndoStack>
 
+#include <memory>
+
+class ZAXHostUndoPrivate;
+
 namespace {
 
 Q_LOGGING_CATEGORY(logUndo, "zax.host.undo")
@@ -21,6 +25,25 @@ QString Tr(const char* text)
 {
     return QCoreApplication::translate("ZAXHostUndo", text);
 }
+
+class Command : public QUndoCommand
+{
+public:
+    explicit Command(ZAXHostUndoPrivate* undo) : m_undo(undo) {}
+    ~Command() override;
+
+    ZAXHostUndoStep& Step() { return m_step; }
+
+    void undo() override { Go(ZAXHostUndoStep::Back); }
+    void redo() override;
+
+private:
+    void Go(ZAXHostUndoStep::Direction direction);
+
+    ZAXHostUndoPrivate* m_undo;
+    ZAXHostUndoStep m_step;
+    ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
+};
 
 } // namespace
 
@@ -75,7 +98,13 @@ public:
 
     ZAXFeatContainer* container = nullptr;
     /// What happened in the step or the transaction that is under way.
-    ZAXHostUndoStep recorded;
+    ZAXHostUndoStep& Recorded()
+    {
+        if (!recording)
+            recording = std::make_unique<Command>(this);
+        return recording->Step();
+    }
+
     /// What slots changed while a state is restored.
     ZAXHostUndoStep foreign;
     /// What of that was taken back already: these states are right as they were before.
@@ -88,6 +117,8 @@ public:
     ZAXHostUndoStep::Direction failedDirection = ZAXHostUndoStep::Back;
     QString failure;
     QList<quint64> discarded;
+    /// The command that will do what is under way; null when there is nothing yet.
+    std::unique_ptr<Command> recording;
     ZAXHostUndoStep::Description lastDescription;
     QString lastName;
     int depth = 0;
@@ -131,41 +162,31 @@ private:
     ZAXHostUndoPrivate& m_undo;
 };
 
-class Command : public QUndoCommand
-{
-public:
-    Command(ZAXHostUndoPrivate* undo, ZAXHostUndoStep&& step) : m_undo(undo), m_step(std::move(step)) {}
-    ~Command() override { m_undo->Discard(m_step.Keeps(m_lastDirection)); }
-
-    ZAXHostUndoStep& Step() { return m_step; }
-
-    void undo() override { Go(ZAXHostUndoStep::Back); }
-    void redo() override
-    {
-        // Pushing a command calls this too, when everything is done already.
-        if (!m_undo->isPushing)
-            Go(ZAXHostUndoStep::Forth);
-    }
-
-private:
-    void Go(ZAXHostUndoStep::Direction direction)
-    {
-        if (m_undo->failed)
-            return;
-        if (m_undo->IsBusy())
-            return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
-        const QString message = m_undo->Restore(m_step, direction);
-        if (!message.isEmpty())
-            return m_undo->Fail(this, direction, message);
-        m_lastDirection = direction;
-    }
-
-    ZAXHostUndoPrivate* m_undo;
-    ZAXHostUndoStep m_step;
-    ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
-};
-
 } // namespace
+
+Command::~Command()
+{
+    m_undo->Discard(m_step.Keeps(m_lastDirection));
+}
+
+void Command::redo()
+{
+    // Pushing a command calls this too, when everything is done already.
+    if (!m_undo->isPushing)
+        Go(ZAXHostUndoStep::Forth);
+}
+
+void Command::Go(ZAXHostUndoStep::Direction direction)
+{
+    if (m_undo->failed)
+        return;
+    if (m_undo->IsBusy())
+        return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
+    const QString message = m_undo->Restore(m_step, direction);
+    if (!message.isEmpty())
+        return m_undo->Fail(this, direction, message);
+    m_lastDirection = direction;
+}
 
 void ZAXHostUndoPrivate::EndStep()
 {
@@ -185,14 +206,14 @@ void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePrope
     if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         return;
     if (!isRestoring)
-        recorded.AddState(feature, only);
+        Recorded().AddState(feature, only);
     else if (!restored->HasState(feature->GetId()) && !takenBack.HasState(feature->GetId()))
         foreign.AddState(feature);
 }
 
 void ZAXHostUndoPrivate::Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to)
 {
-    (isRestoring ? foreign : recorded).AddPlacing(feature, from, to);
+    (isRestoring ? foreign : Recorded()).AddPlacing(feature, from, to);
     if (isRestoring)
         done.append({feature->GetId(), from, to});
 }
@@ -201,8 +222,8 @@ void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
 {
     const quint64 id = feature->GetId();
     const bool wasThereBefore =
-        ZAXFeatObjectPrivate::Get(*feature).isAnnounced && !recorded.CameInStep(id) && !foreign.CameInStep(id);
-    recorded.Forget(id);
+        ZAXFeatObjectPrivate::Get(*feature).isAnnounced && !Recorded().CameInStep(id) && !foreign.CameInStep(id);
+    Recorded().Forget(id);
     foreign.Forget(id);
     takenBack.Forget(id);
     // No step tells of it, and none brings it back.
@@ -219,8 +240,9 @@ ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
 
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    auto command = std::make_unique<Command>(this, std::move(recorded));
-    recorded = {};
+    auto command = std::exchange(recording, nullptr);
+    if (!command)
+        return FreeDiscarded();
     ZAXHostUndoStep& step = command->Step();
     Discard(step.Close(*container));
     if (!step.IsComplete())
@@ -251,7 +273,7 @@ const QString& ZAXHostUndoPrivate::NameOf(const ZAXHostUndoStep& step)
 ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
 {
     QString failure;
-    const ZAXHostUndoStep step = Take(recorded).Whole(*container, ZAXHostUndoStep::Back, failure);
+    const ZAXHostUndoStep step = Take(Recorded()).Whole(*container, ZAXHostUndoStep::Back, failure);
     bool isRestored = step.IsComplete() && failure.isEmpty();
     if (!step.IsEmpty()) {
         const Restoring restoring(*this, step);
@@ -377,7 +399,7 @@ void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
         ZAXFeatContainerPrivate::Get(*d_ptr->container).observer = nullptr;
     }
     d_ptr->container = container;
-    d_ptr->recorded = {};
+    d_ptr->Recorded() = {};
     d_ptr->discarded.clear();
     if (container)
         ZAXFeatContainerPrivate::Get(*container).observer = d_ptr.get();
