@@ -38,7 +38,8 @@ public:
     /// The value that the user last saved for this property of features of this class; invalid if there is none.
     QVariant GetLastSavedValue() const;
     /// Remembers \a value for the next new feature of this class. Does nothing while undo, redo or a roll-back
-    /// restores values: nobody chose those anew.
+    /// restores values: nobody chose those anew. While a document is loaded, the store gets the last of several values
+    /// only, at the end or when it is asked for.
     void SetLastSavedValue(const QVariant& value);
 
     /// BeginModify() for a change of nothing but the value: undo keeps that alone then, not all of the feature. The
