@@ -134,7 +134,7 @@ template <typename T>
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatObjectListProperty<T>& list)
 {
     const auto items = list.GetItems();
-    stream.GetDataStream() << static_cast<qint32>(items.size());
+    stream << static_cast<qint32>(items.size());
     for (const auto* item : items)
         stream.GetDataStream() << item->GetReference();
     return stream;
@@ -148,7 +148,7 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatObjectListProperty<T>& lis
 {
     list.Clear(false);
     qint32 count = 0;
-    stream.GetDataStream() >> count;
+    stream >> count;
     const ZAXGeoContainer* const container = stream.GetContainer();
     for (qint32 i = 0; i < count; ++i) {
         ZAXGeoGeometryRef stored;

@@ -33,6 +33,12 @@ public:
 
 protected:
     ZAXFeatObjectPropertyBase(ZAXFeatObject* feature, bool isInput);
+
+private:
+    friend class ZAXFeatPropertyBasePrivate;
+    ZAXFeatObject* m_pointed = nullptr;
+    /// What the property would point at, were it there.
+    ZAXGeoGeometryRef m_unavailable;
 };
 
 #endif

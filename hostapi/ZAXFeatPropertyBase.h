@@ -3,11 +3,9 @@
 
 #include "ZAXFeatExport.h"
 
-#include <memory>
 #include <utility>
 
 class ZAXFeatObject;
-class ZAXFeatPropertyBasePrivate;
 
 /// A property of one feature: its value is part of the feature's state, changed between BeginModify() and EndModify().
 class ZAXFEATURE_EXPORT ZAXFeatPropertyBase
@@ -41,14 +39,23 @@ protected:
 
 private:
     friend class ZAXFeatPropertyBasePrivate;
-    std::unique_ptr<ZAXFeatPropertyBasePrivate> d_ptr;
+    // In the property itself: a feature has a dozen of them, and a document ten thousands of features.
+    ZAXFeatObject* m_feature;
+    int m_index;
+    bool m_isInput;
 };
 
 /// An open change of a property. EndModify() closes it; left open by an exception, it is closed without a signal.
 class ZAXFeatPropertyChange
 {
 public:
+    struct IsOpen
+    {
+    };
+
     explicit ZAXFeatPropertyChange(ZAXFeatPropertyBase& property) : m_property(&property) { property.BeginModify(); }
+    /// Takes over a change that was opened before.
+    ZAXFeatPropertyChange(ZAXFeatPropertyBase& property, IsOpen) : m_property(&property) {}
     ~ZAXFeatPropertyChange()
     {
         if (m_property)

@@ -16,7 +16,7 @@ public:
     /// The property \a propertyIndex of the meta-object of \a feature, starting as \a defaultValue.
     /// With \a skipLastSaved, Apply() never changes the value that the user last saved.
     ZAXFeatValueProperty(ZAXFeatObject* feature, int propertyIndex, const T& defaultValue, bool skipLastSaved)
-        : ZAXFeatValuePropertyBase(feature, propertyIndex), value(defaultValue), skipLastSaved(skipLastSaved)
+        : ZAXFeatValuePropertyBase(feature, propertyIndex, &access), value(defaultValue), skipLastSaved(skipLastSaved)
     {
     }
 
@@ -43,7 +43,8 @@ public:
     {
         if (newValue == value)
             return false;
-        ZAXFeatPropertyChange change(*this);
+        BeginValueModify();
+        ZAXFeatPropertyChange change(*this, ZAXFeatPropertyChange::IsOpen());
         value = newValue;
         change.EndModify(silent);
         return true;
@@ -64,6 +65,16 @@ public:
     bool IsSkippingLastSaved() const { return skipLastSaved; }
 
 private:
+    static ZAXFeatKeptValue Keep(const ZAXFeatValuePropertyBase& property)
+    {
+        return ZAXFeatKeptValues::Keep(static_cast<const ZAXFeatValueProperty&>(property).value);
+    }
+    static void Restore(ZAXFeatValuePropertyBase& property, const ZAXFeatKeptValue& kept)
+    {
+        static_cast<ZAXFeatValueProperty&>(property).value = ZAXFeatKeptValues::Restored<T>(kept);
+    }
+    static constexpr ZAXFeatValueAccess access{&Keep, &Restore};
+
     T value;
     bool skipLastSaved;
 };
@@ -72,7 +83,7 @@ private:
 template <typename T>
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const ZAXFeatValueProperty<T>& property)
 {
-    stream.GetDataStream() << property.GetValue();
+    stream << property.GetValue();
     return stream;
 }
 
@@ -81,7 +92,7 @@ template <typename T>
 ZAXGeoStream& operator>>(ZAXGeoStream& stream, ZAXFeatValueProperty<T>& property)
 {
     T value{};
-    stream.GetDataStream() >> value;
+    stream >> value;
     if (stream.GetDataStream().status() == QDataStream::Ok)
         property.Apply(value);
     return stream;

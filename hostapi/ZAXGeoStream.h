@@ -29,6 +29,13 @@ public:
     ZAXGeoStream(ZAXGeoContainer* container, const QByteArray& payload,
                  const QList<ZAXGeoGeometryRef>& references = {});
     ~ZAXGeoStream();
+
+    /// Makes the stream as new, to write the fields of another geometry.
+    void Restart();
+    /// Makes the stream as new, to read another \a payload with its table of \a references. What was set stays: the
+    /// versions, the map, what is unavailable.
+    void Restart(const QByteArray& payload, const QList<ZAXGeoGeometryRef>& references);
+
     ZAXGeoStream(const ZAXGeoStream&) = delete;
     ZAXGeoStream& operator=(const ZAXGeoStream&) = delete;
 
@@ -61,12 +68,27 @@ public:
 
     /// What was written, or what is read.
     QByteArray GetPayload() const;
+    /// The same, good until the stream is written to or made as new.
+    QByteArrayView ViewPayload() const;
     /// The reference table: each reference once, in the order of first writing.
     QList<ZAXGeoGeometryRef> GetReferences() const;
 
 private:
+    friend class ZAXGeoStreamPrivate;
     std::unique_ptr<ZAXGeoStreamPrivate> d_ptr;
 };
+
+/// Writes and reads fields of the most frequent types, to the same bytes as the data stream but not by way of it.
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator<<(ZAXGeoStream& stream, bool value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator>>(ZAXGeoStream& stream, bool& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator<<(ZAXGeoStream& stream, qint32 value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator>>(ZAXGeoStream& stream, qint32& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator<<(ZAXGeoStream& stream, double value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator>>(ZAXGeoStream& stream, double& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QString& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator>>(ZAXGeoStream& stream, QString& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QByteArray& value);
+ZAXGEOMETRY_EXPORT ZAXGeoStream& operator>>(ZAXGeoStream& stream, QByteArray& value);
 
 /// Writes and reads a field by its QDataStream operators.
 template <typename T>

@@ -65,6 +65,8 @@ template <typename Extension>
 void ListMissingChildren(ZAXFeatObjectListProperty<Extension>& list)
 {
     const QList<Extension*> children = ZAXMatFeatures::Only<Extension>(list.GetFeature()->GetChildren());
+    if (children.isEmpty())
+        return;
     const QList<Extension*> listed = list.GetObjects();
     const QSet<Extension*> owned(children.begin(), children.end());
     if (QSet<Extension*>(listed.begin(), listed.end()).contains(owned))

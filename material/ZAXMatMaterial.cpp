@@ -24,9 +24,12 @@ const char ZAXMatMaterial::Property_materialExtensions[] = "materialExtensions";
 
 namespace {
 
-int IndexOf(const char* property)
+/// Looked up once, not for each feature.
+template <const char* property>
+int IndexOf()
 {
-    return ZAXMatMaterial::staticMetaObject.indexOfProperty(property);
+    static const int index = ZAXMatMaterial::staticMetaObject.indexOfProperty(property);
+    return index;
 }
 
 /// Makes the packaging that \a reference leads to active, or else the first one of \a material, if there is any.
@@ -43,18 +46,18 @@ void ActivatePackaging(const ZAXMatMaterial& material, const ZAXGeoGeometryRef& 
 } // namespace
 
 ZAXMatMaterialPrivate::ZAXMatMaterialPrivate(ZAXMatMaterial* material)
-    : materialId(material, IndexOf(ZAXMatMaterial::Property_materialId), QString(), true),
-      isMaterialIdCustomized(material, IndexOf(ZAXMatMaterial::Property_isMaterialIdCustomized), false, true),
-      materialType(material, IndexOf(ZAXMatMaterial::Property_materialType), QLatin1String("Generic"), false),
-      thickness(material, IndexOf(ZAXMatMaterial::Property_thickness), 0.5, false),
-      category(material, IndexOf(ZAXMatMaterial::Property_category), tr("Metal"), false),
-      density(material, IndexOf(ZAXMatMaterial::Property_density), 0.1, false),
-      comment(material, IndexOf(ZAXMatMaterial::Property_comment), QLatin1String(""), true),
-      providerId(material, IndexOf(ZAXMatMaterial::Property_providerId), QByteArray(), true),
-      remoteKey(material, IndexOf(ZAXMatMaterial::Property_remoteKey), QByteArray(), true),
-      nestingColor(material, IndexOf(ZAXMatMaterial::Property_nestingColor),
+    : materialId(material, IndexOf<ZAXMatMaterial::Property_materialId>(), QString(), true),
+      isMaterialIdCustomized(material, IndexOf<ZAXMatMaterial::Property_isMaterialIdCustomized>(), false, true),
+      materialType(material, IndexOf<ZAXMatMaterial::Property_materialType>(), QLatin1String("Generic"), false),
+      thickness(material, IndexOf<ZAXMatMaterial::Property_thickness>(), 0.5, false),
+      category(material, IndexOf<ZAXMatMaterial::Property_category>(), tr("Metal"), false),
+      density(material, IndexOf<ZAXMatMaterial::Property_density>(), 0.1, false),
+      comment(material, IndexOf<ZAXMatMaterial::Property_comment>(), QLatin1String(""), true),
+      providerId(material, IndexOf<ZAXMatMaterial::Property_providerId>(), QByteArray(), true),
+      remoteKey(material, IndexOf<ZAXMatMaterial::Property_remoteKey>(), QByteArray(), true),
+      nestingColor(material, IndexOf<ZAXMatMaterial::Property_nestingColor>(),
                    ZAXMatDrawNestingColor(*QRandomGenerator::global()), true),
-      materialExtensions(material, IndexOf(ZAXMatMaterial::Property_materialExtensions),
+      materialExtensions(material, IndexOf<ZAXMatMaterial::Property_materialExtensions>(),
                          &ZAXMatMaterial::MaterialExtensionAdded, &ZAXMatMaterial::MaterialExtensionRemoved)
 {
     materialType.RequestInitialization();

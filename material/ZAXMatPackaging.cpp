@@ -15,23 +15,30 @@ const char ZAXMatPackaging::Property_packagingExtensions[] = "packagingExtension
 
 namespace {
 
-int IndexOf(const char* property)
+/// Looked up once, not for each feature.
+template <const char* property>
+int IndexOf()
 {
-    return ZAXMatPackaging::staticMetaObject.indexOfProperty(property);
+    static const int index = ZAXMatPackaging::staticMetaObject.indexOfProperty(property);
+    return index;
 }
 
 } // namespace
 
 ZAXMatPackagingPrivate::ZAXMatPackagingPrivate(ZAXMatPackaging* packaging)
-    : length(packaging, IndexOf(ZAXMatPackaging::Property_length), 1000.0, false),
-      width(packaging, IndexOf(ZAXMatPackaging::Property_width), 500.0, false),
-      form(packaging, IndexOf(ZAXMatPackaging::Property_form), ZAXMatPackaging::Rectangular, false),
-      cost(packaging, IndexOf(ZAXMatPackaging::Property_cost), 1.0, false),
-      comment(packaging, IndexOf(ZAXMatPackaging::Property_comment), QString(), false),
-      remoteKey(packaging, IndexOf(ZAXMatPackaging::Property_remoteKey), QByteArray(""), true),
-      isActive(packaging, IndexOf(ZAXMatPackaging::Property_isActive), false, true),
-      packagingExtensions(packaging, IndexOf(ZAXMatPackaging::Property_packagingExtensions),
+    : length(packaging, IndexOf<ZAXMatPackaging::Property_length>(), 1000.0, false),
+      width(packaging, IndexOf<ZAXMatPackaging::Property_width>(), 500.0, false),
+      form(packaging, IndexOf<ZAXMatPackaging::Property_form>(), ZAXMatPackaging::Rectangular, false),
+      cost(packaging, IndexOf<ZAXMatPackaging::Property_cost>(), 1.0, false),
+      comment(packaging, IndexOf<ZAXMatPackaging::Property_comment>(), QString(), false),
+      remoteKey(packaging, IndexOf<ZAXMatPackaging::Property_remoteKey>(), QByteArray(""), true),
+      isActive(packaging, IndexOf<ZAXMatPackaging::Property_isActive>(), false, true),
+      packagingExtensions(packaging, IndexOf<ZAXMatPackaging::Property_packagingExtensions>(),
                           &ZAXMatPackaging::PackagingExtensionAdded, &ZAXMatPackaging::PackagingExtensionRemoved)
+{
+}
+
+void ZAXMatPackagingPrivate::RequestInitialization()
 {
     length.RequestInitialization();
     width.RequestInitialization();
@@ -55,6 +62,7 @@ ZAXMatPackaging::ZAXMatPackaging(ZAXMatMaterial* material)
           material),
       d_ptr(std::make_unique<ZAXMatPackagingPrivate>(this))
 {
+    d_ptr->RequestInitialization();
 }
 
 ZAXMatPackaging::~ZAXMatPackaging() = default;

@@ -12,6 +12,8 @@ class ZAXMatPackagingPrivate
 {
 public:
     explicit ZAXMatPackagingPrivate(ZAXMatPackaging* packaging);
+    /// For a new packaging, as opposed to one that is re-created.
+    void RequestInitialization();
 
     ZAXFeatValueProperty<double> length;
     ZAXFeatValueProperty<double> width;

@@ -106,14 +106,7 @@ void ZAXHostDocumentPrivate::Replace(const ZAXHostDocumentImage& image, std::uni
 ZAXHostResult ZAXHostDocumentPrivate::EncodeChecked(const ZAXHostDocumentImage& image, QByteArray& bytes) const
 {
     bytes = ZAXHostDocumentCodec::Encode(image);
-    ZAXHostDocumentImage read;
-    if (const auto result = ZAXHostDocumentCodec::Decode(bytes, read); !result)
-        return result;
-    if (!read.damages.isEmpty())
-        return ZAXHostResult::Failed(read.damages.constFirst().GetMessage());
-    if (ZAXHostDocumentCodec::Encode(read) != bytes)
-        return ZAXHostResult::Failed(Tr("its bytes do not read back."));
-    return ZAXHostResult::Done();
+    return ZAXHostDocumentCodec::Check(bytes, image);
 }
 
 ZAXHostResult ZAXHostDocumentPrivate::Claim(const QString& newPath, std::unique_ptr<ZAXHostDocumentLock>& newLock) const

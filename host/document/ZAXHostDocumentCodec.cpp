@@ -1,14 +1,12 @@
 #include "ZAXHostDocumentCodec.h"
 
+#include "ZAXHostChecksum.h"
+
 #include <QCoreApplication>
-#include <QDataStream>
 #include <QHash>
-#include <QIODevice>
 #include <QtEndian>
 
 #include <algorithm>
-
-#include <zlib.h>
 
 namespace {
 
@@ -23,6 +21,11 @@ constexpr quint32 endTag = 0x454e4420;    // "END "
 constexpr qsizetype tagSize = sizeof(quint32);
 constexpr qsizetype checksumSize = sizeof(quint32);
 constexpr qsizetype endSize = tagSize + 2 * sizeof(quint64) + checksumSize;
+/// Up to the class table.
+constexpr qsizetype headSize = magicSize + 2 * sizeof(quint16) + 16 + sizeof(quint64) + sizeof(quint32);
+constexpr qsizetype frameHeadSize = tagSize + sizeof(quint32);
+/// Up to the references.
+constexpr qsizetype bodyHeadSize = 3 * sizeof(quint32) + 2 * sizeof(quint64);
 
 QString Tr(const char* text)
 {
@@ -31,47 +34,71 @@ QString Tr(const char* text)
 
 quint32 Checksum(const char* bytes, qsizetype size)
 {
-    return static_cast<quint32>(crc32_z(0, reinterpret_cast<const Bytef*>(bytes), static_cast<size_t>(size)));
+    return ZAXHostChecksum::Of(QByteArrayView(bytes, size));
 }
 
+/// Writes into bytes whose number is known beforehand.
 class Writer
 {
 public:
-    Writer() : m_data(&m_bytes, QIODevice::WriteOnly) { m_data.setVersion(QDataStream::Qt_6_4); }
+    explicit Writer(qsizetype size) : m_bytes(size, Qt::Uninitialized), m_end(m_bytes.data()) {}
 
     template <typename T>
     Writer& operator<<(T value)
     {
-        m_data << value;
+        qToBigEndian(value, m_end);
+        m_end += sizeof(T);
         return *this;
     }
-    void Raw(const QByteArray& bytes) { m_data.writeRawData(bytes.constData(), static_cast<int>(bytes.size())); }
+    void Raw(QByteArrayView bytes) { m_end = std::copy(bytes.begin(), bytes.end(), m_end); }
     /// A length and the bytes.
-    void Sized(const QByteArray& bytes)
+    void Sized(QByteArrayView bytes)
     {
-        m_data << static_cast<quint32>(bytes.size());
+        *this << static_cast<quint32>(bytes.size());
         Raw(bytes);
     }
     /// The checksum of everything written since \a from.
-    void ChecksumSince(qsizetype from) { m_data << Checksum(m_bytes.constData() + from, m_bytes.size() - from); }
+    void ChecksumSince(qsizetype from) { *this << Checksum(m_bytes.constData() + from, Size() - from); }
 
-    qsizetype Size() const { return m_bytes.size(); }
+    qsizetype Size() const { return m_end - m_bytes.constData(); }
     const QByteArray& Bytes() const { return m_bytes; }
 
 private:
     QByteArray m_bytes;
-    QDataStream m_data;
+    char* m_end;
 };
 
-QByteArray EncodeBody(const ZAXHostDocumentRecord& record)
+qsizetype SizedSize(const QByteArray& bytes)
 {
-    Writer body;
-    body << record.classIndex << record.id << record.parent << record.place
-         << static_cast<quint32>(record.references.size());
+    return static_cast<qsizetype>(sizeof(quint32)) + bytes.size();
+}
+
+qsizetype BodySize(const ZAXHostDocumentRecord& record)
+{
+    return bodyHeadSize + record.references.size() * static_cast<qsizetype>(sizeof(quint64)) +
+           SizedSize(record.payload);
+}
+
+qsizetype SizeOf(const ZAXHostDocumentImage& image)
+{
+    qsizetype size = headSize + checksumSize + endSize;
+    for (const ZAXHostDocumentClass& type : image.classes)
+        size += SizedSize(type.name) + 2 * static_cast<qsizetype>(sizeof(quint32));
+    for (const ZAXHostDocumentRecord& record : image.records)
+        size += frameHeadSize + BodySize(record) + checksumSize;
+    return size;
+}
+
+void Write(Writer& writer, const ZAXHostDocumentRecord& record)
+{
+    const qsizetype start = writer.Size();
+    writer << objectTag << static_cast<quint32>(BodySize(record));
+    writer << record.classIndex << record.id << record.parent << record.place
+           << static_cast<quint32>(record.references.size());
     for (const ZAXGeoGeometryRef& reference : record.references)
-        body << reference.GetId();
-    body.Sized(record.payload);
-    return body.Bytes();
+        writer << reference.GetId();
+    writer.Sized(record.payload);
+    writer.ChecksumSince(start);
 }
 
 /// Reads from a piece of a file; what reaches over its end gives zeros and IsGood() false.
@@ -86,10 +113,10 @@ public:
         const QByteArrayView bytes = Take(sizeof(T));
         return bytes.isEmpty() ? T(0) : qFromBigEndian<T>(bytes.data());
     }
-    QByteArray Sized()
+    QByteArrayView Sized()
     {
         const auto size = Number<quint32>();
-        return Take(size).toByteArray();
+        return Take(size);
     }
     QByteArrayView Take(qsizetype size)
     {
@@ -114,7 +141,16 @@ private:
 class Decoder
 {
 public:
-    explicit Decoder(QByteArrayView bytes) : m_bytes(bytes), m_reader(bytes) {}
+    /// With \a expected, objects are not kept but compared.
+    explicit Decoder(QByteArrayView bytes, const ZAXHostDocumentImage* expected = nullptr)
+        : m_bytes(bytes), m_reader(bytes), m_expected(expected)
+    {
+        // What objects usually take.
+        const qsizetype objects = expected ? expected->records.size() : bytes.size() / 256;
+        m_branches.reserve(objects);
+        if (!expected)
+            m_image.records.reserve(objects);
+    }
 
     ZAXHostResult Decode(ZAXHostDocumentImage& image)
     {
@@ -131,6 +167,9 @@ public:
         image = std::move(m_image);
         return ZAXHostResult::Done();
     }
+
+    /// Whether all is there that was expected, and nothing else.
+    bool IsAsExpected() const { return m_isAsExpected && m_count == m_expected->records.size(); }
 
 private:
     /// Notes a damage, of an object if that is known. What follows on a damage and tells no more is part of that one.
@@ -160,7 +199,7 @@ private:
         m_image.lastId = m_reader.Number<quint64>();
         const auto classes = m_reader.Number<quint32>();
         for (quint32 i = 0; i < classes && m_reader.IsGood(); ++i) {
-            const QByteArray name = m_reader.Sized();
+            const QByteArray name = m_reader.Sized().toByteArray();
             const auto version = static_cast<int>(m_reader.Number<quint32>());
             const auto base = static_cast<qint32>(m_reader.Number<quint32>());
             m_image.classes.append({name, version, base});
@@ -289,10 +328,12 @@ private:
         record.place = reader.Number<quint32>();
         const auto references = reader.Number<quint32>();
         const bool hasRoom = references <= static_cast<quint64>(reader.Left()) / sizeof(quint64);
-        record.references.reserve(hasRoom ? references : 0);
+        if (references > 0 && hasRoom)
+            record.references.reserve(references);
         for (quint32 i = 0; i < references && hasRoom; ++i)
             record.references.append(ZAXGeoGeometryRef::FromId(reader.Number<quint64>()));
-        record.payload = reader.Sized();
+        const QByteArrayView payload = reader.Sized();
+        record.payload = QByteArray::fromRawData(payload.data(), payload.size());
         const char* why = nullptr;
         if (!hasRoom)
             why = QT_TRANSLATE_NOOP("ZAXHostDocument", "the object has more references than room for them");
@@ -310,26 +351,37 @@ private:
     {
         if (record.id == 0 || record.id > m_image.lastId)
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the object has an id that was never given");
-        if (m_nesting.contains(record.id))
+        const auto own = m_branches.constFind(record.id);
+        if (own != m_branches.cend() && own->nesting > 0)
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "two objects have the id %1");
-        if (record.parent == record.id || m_children.contains(record.id))
+        if (record.parent == record.id || own != m_branches.cend())
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the object %1 stands behind or below itself");
-        const bool hasParent = record.parent == 0 || m_nesting.contains(record.parent);
+        const auto parent = m_branches.find(record.parent);
+        const bool hasParent = record.parent == 0 || (parent != m_branches.end() && parent->nesting > 0);
         // What has lost its parent will stand in a folder at the top.
-        const int nesting = hasParent ? m_nesting.value(record.parent) + 1 : 2;
+        const int nesting = !hasParent ? 2 : record.parent == 0 ? 1 : parent->nesting + 1;
         if (nesting > ZAXHostDocumentCodec::maximumNesting)
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are nested too deeply");
-        quint32& next = m_children[record.parent];
+        quint32& next = parent != m_branches.end() ? parent->next : m_branches[record.parent].next;
         const bool isInOrder = record.place == next;
         next = record.place + 1;
-        m_nesting.insert(record.id, nesting);
-        m_image.records.append(record);
+        m_branches.insert(record.id, {nesting, 0});
+        Keep(std::move(record));
         // What is missing was noted where it was damaged; if nothing was, the writer was at fault.
         if (!hasParent && m_image.damages.isEmpty())
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the parent of the object %1 does not precede it");
         if (!isInOrder && m_image.damages.isEmpty())
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are not in their order");
         return nullptr;
+    }
+
+    void Keep(ZAXHostDocumentRecord&& record)
+    {
+        if (!m_expected)
+            m_image.records.append(std::move(record));
+        else if (m_count >= m_expected->records.size() || record != m_expected->records.at(m_count))
+            m_isAsExpected = false;
+        ++m_count;
     }
 
     qsizetype ReadEnd(qsizetype start)
@@ -344,7 +396,7 @@ private:
             return reader.Position();
         if (sum != Checksum(m_bytes.data(), start + endSize - checksumSize))
             NoteDamage(start, endSize, QT_TRANSLATE_NOOP("ZAXHostDocument", "the end is not what was written"));
-        else if (count != static_cast<quint64>(m_image.records.size()))
+        else if (count != static_cast<quint64>(m_count))
             NoteDamage(start, endSize, QT_TRANSLATE_NOOP("ZAXHostDocument", "objects are missing"));
         else if (size != static_cast<quint64>(reader.Position()))
             NoteDamage(start, endSize,
@@ -354,10 +406,18 @@ private:
 
     QByteArrayView m_bytes;
     Reader m_reader;
+    const ZAXHostDocumentImage* m_expected;
     ZAXHostDocumentImage m_image;
-    QHash<quint64, int> m_nesting;
-    /// By the id of the parent, the place of its next child.
-    QHash<quint64, quint32> m_children;
+    qsizetype m_count = 0;
+    bool m_isAsExpected = true;
+    struct Branch
+    {
+        /// How deep the object is nested; 0 for one that was not read but as a parent.
+        int nesting = 0;
+        /// The place of the next child.
+        quint32 next = 0;
+    };
+    QHash<quint64, Branch> m_branches;
     qsizetype m_checked = 0;
     /// How many frames were followed to see whether they lead to the end; this must not take for ever either.
     qsizetype m_steps = 0;
@@ -407,8 +467,8 @@ QHash<QByteArray, int> ZAXHostDocumentImage::GetVersions(quint32 index) const
 
 QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
 {
-    Writer writer;
-    writer.Raw(QByteArray(magic, magicSize));
+    Writer writer(SizeOf(image));
+    writer.Raw(QByteArrayView(magic, magicSize));
     writer << formatVersion << leastReaderVersion;
     writer.Raw(image.documentId.toRfc4122());
     writer << image.lastId << static_cast<quint32>(image.classes.size());
@@ -417,12 +477,8 @@ QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
         writer << static_cast<quint32>(type.version) << static_cast<quint32>(type.base);
     }
     writer.ChecksumSince(0);
-    for (const ZAXHostDocumentRecord& record : image.records) {
-        const qsizetype start = writer.Size();
-        writer << objectTag;
-        writer.Sized(EncodeBody(record));
-        writer.ChecksumSince(start);
-    }
+    for (const ZAXHostDocumentRecord& record : image.records)
+        Write(writer, record);
     writer << endTag << static_cast<quint64>(image.records.size());
     writer << static_cast<quint64>(writer.Size() + static_cast<qsizetype>(sizeof(quint64)) + checksumSize);
     writer.ChecksumSince(0);
@@ -431,5 +487,21 @@ QByteArray ZAXHostDocumentCodec::Encode(const ZAXHostDocumentImage& image)
 
 ZAXHostResult ZAXHostDocumentCodec::Decode(const QByteArray& bytes, ZAXHostDocumentImage& image)
 {
-    return Decoder(bytes).Decode(image);
+    const auto result = Decoder(bytes).Decode(image);
+    if (result)
+        image.data = bytes;
+    return result;
+}
+
+ZAXHostResult ZAXHostDocumentCodec::Check(const QByteArray& bytes, const ZAXHostDocumentImage& image)
+{
+    Decoder decoder(bytes, &image);
+    ZAXHostDocumentImage read;
+    if (const auto result = decoder.Decode(read); !result)
+        return result;
+    if (!read.damages.isEmpty())
+        return ZAXHostResult::Failed(read.damages.constFirst().GetMessage());
+    const bool isSame = decoder.IsAsExpected() && read.documentId == image.documentId && read.lastId == image.lastId &&
+                        read.classes == image.classes;
+    return isSame ? ZAXHostResult::Done() : ZAXHostResult::Failed(Tr("its bytes do not read back."));
 }

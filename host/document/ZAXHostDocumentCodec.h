@@ -34,6 +34,8 @@ struct ZAXHostDocumentRecord
     quint32 place = 0;
     QList<ZAXGeoGeometryRef> references;
     QByteArray payload;
+
+    friend bool operator==(const ZAXHostDocumentRecord&, const ZAXHostDocumentRecord&) = default;
 };
 
 /// A part of a document file that is not what was written.
@@ -63,6 +65,8 @@ struct ZAXHOST_EXPORT ZAXHostDocumentImage
     QList<ZAXHostDocumentRecord> records;
     /// Empty for a file that is as it was written.
     QList<ZAXHostDocumentDamage> damages;
+    /// What payloads of the records may lie in: they are no longer good than this.
+    QByteArray data;
 
     /// The index of the class described by \a chain, most derived class first; it is entered if need be.
     quint32 AddClass(const QList<ZAXHostDocumentClass>& chain);
@@ -81,10 +85,13 @@ constexpr int maximumNesting = 256;
 /// The bytes of \a image; the same image always gives the same bytes.
 ZAXHOST_EXPORT QByteArray Encode(const ZAXHostDocumentImage& image);
 
-/// Reads \a bytes into \a image. Fails, and leaves \a image as it is, for what is not such a file, was written by a
-/// newer program that this one must not read, or has a damaged header. Of a file that is damaged behind the header it
-/// reads the objects that are whole and lists the damages: every changed bit shows in one.
+/// Reads \a bytes into \a image, whose payloads then lie in them. Fails, and leaves \a image as it is, for what is not
+/// such a file, was written by a newer program that this one must not read, or has a damaged header. Of a file that is
+/// damaged behind the header it reads the objects that are whole and lists the damages: every changed bit shows in one.
 ZAXHOST_EXPORT ZAXHostResult Decode(const QByteArray& bytes, ZAXHostDocumentImage& image);
+
+/// Fails when \a bytes do not give \a image back, to the last bit.
+ZAXHOST_EXPORT ZAXHostResult Check(const QByteArray& bytes, const ZAXHostDocumentImage& image);
 
 } // namespace ZAXHostDocumentCodec
 

@@ -2,6 +2,7 @@
 
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatFolder.h"
+#include "ZAXFeatLoading.h"
 #include "ZAXFeatObjectPrivate.h"
 #include "ZAXGeoContainerPrivate.h"
 #include "ZAXGeoStream.h"
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -33,6 +35,27 @@ class Adder
 public:
     explicit Adder(ZAXHostDocumentImage& image) : m_image(image) {}
 
+    /// With \a isAll, there are no other features in the document.
+    void AddAll(const QList<ZAXFeatObject*>& features, quint64 parent, bool isAll)
+    {
+        if (isAll)
+            m_image.records.reserve(
+                ZAXGeoContainerPrivate::Get(*features.constFirst()->GetContainer()).geometries.size());
+        Add(features, parent, 1);
+        m_image.data = m_payloads;
+        for (const auto& [record, start, size] : m_slices)
+            m_image.records[record].payload = QByteArray::fromRawData(m_image.data.constData() + start, size);
+    }
+
+private:
+    /// Where the payload of a record lies among all.
+    struct Slice
+    {
+        qsizetype record;
+        qsizetype start;
+        qsizetype size;
+    };
+
     void Add(const QList<ZAXFeatObject*>& siblings, quint64 parent, int nesting)
     {
         if (nesting > ZAXHostDocumentCodec::maximumNesting && !siblings.isEmpty())
@@ -43,16 +66,18 @@ public:
             record.id = feature->GetId();
             record.parent = parent;
             record.place = place++;
-            m_image.records.append(record);
-            Add(feature->GetChildren(), feature->GetId(), nesting + 1);
+            m_image.records.append(std::move(record));
+            const auto children = feature->GetChildren();
+            if (!children.isEmpty())
+                Add(children, feature->GetId(), nesting + 1);
         }
     }
 
-private:
     ZAXHostDocumentRecord RecordOf(const ZAXFeatObject* feature)
     {
         ZAXHostDocumentRecord record;
-        if (const auto* const placeholder = qobject_cast<const ZAXHostPlaceholder*>(feature)) {
+        if (ZAXFeatObjectPrivate::Get(*feature).isPlaceholder) {
+            const auto* const placeholder = static_cast<const ZAXHostPlaceholder*>(feature);
             record.classIndex = m_image.AddClass(placeholder->GetClasses());
             record.references = placeholder->GetReferences();
             record.payload = placeholder->GetPayload();
@@ -63,15 +88,23 @@ private:
             known != m_classes.constEnd()
                 ? known.value()
                 : m_classes.insert(feature->metaObject(), m_image.AddClass(ChainOf(feature->metaObject()))).value();
-        ZAXGeoStream stream(feature->GetContainer());
-        feature->Save(stream);
-        record.references = stream.GetReferences();
-        record.payload = stream.GetPayload();
+        if (!m_stream || m_stream->GetContainer() != feature->GetContainer())
+            m_stream.emplace(feature->GetContainer());
+        m_stream->Restart();
+        feature->Save(*m_stream);
+        record.references = m_stream->GetReferences();
+        const QByteArrayView payload = m_stream->ViewPayload();
+        m_slices.append({m_image.records.size(), m_payloads.size(), payload.size()});
+        m_payloads.append(payload);
         return record;
     }
 
     ZAXHostDocumentImage& m_image;
     QHash<const QMetaObject*, quint32> m_classes;
+    /// One for all, whose buffer has grown to what they take.
+    std::optional<ZAXGeoStream> m_stream;
+    QByteArray m_payloads;
+    QList<Slice> m_slices;
 };
 
 /// Makes the objects of an image. Objects that turn out not to take their data are noted in \a refused: the reading
@@ -86,6 +119,7 @@ public:
 
     QList<ZAXHostProblem> Run()
     {
+        const ZAXFeatLoading loading(m_container);
         while (!TryOnce())
             ZAXFeatContainerPrivate::Get(m_container).DestroyAll();
         return m_problems;
@@ -96,6 +130,7 @@ private:
     {
         m_problems.clear();
         m_live.clear();
+        m_isLive.clear();
         m_features.clear();
         m_folders.clear();
         m_isGood = true;
@@ -104,14 +139,19 @@ private:
         // No new object gets the id of one that is lost.
         auto& index = ZAXGeoContainerPrivate::Get(m_container);
         index.lastId = std::max(index.lastId, ZAXHostDocumentImager::HighestId(m_image, m_image.lastId));
+        index.geometries.reserve(m_image.records.size());
+        m_features.reserve(m_image.records.size());
+        m_isLive.reserve(m_image.records.size());
         ZAXHostStateLoader loader(&m_container);
-        loader.SetUnavailable([this](const ZAXGeoGeometryRef& reference) { return !m_live.contains(reference); });
+        loader.SetUnavailable([this](const ZAXGeoGeometryRef& reference) { return !Live().contains(reference); });
         for (const ZAXHostDocumentRecord& record : m_image.records)
             Make(loader, record);
         if (!m_isGood)
             return false;
-        for (qsizetype i = 0; i < m_features.size(); ++i)
-            Load(loader, m_features.at(i), m_image.records.at(i));
+        for (qsizetype i = 0; i < m_features.size(); ++i) {
+            if (m_isLive.at(i))
+                Load(loader, m_features.at(i), m_image.records.at(i));
+        }
         if (m_isGood)
             Complete(loader);
         return m_isGood;
@@ -119,30 +159,66 @@ private:
 
     void Make(ZAXHostStateLoader& loader, const ZAXHostDocumentRecord& record)
     {
-        const auto chain = m_image.GetChain(record.classIndex);
+        const Kind& kind = KindOf(record.classIndex);
         const auto reference = ZAXGeoGeometryRef::FromId(record.id);
         QString why = m_refused.value(record.id);
         if (why.isEmpty())
-            why = ZAXHostDocumentImager::WhyUnavailable(chain, m_retired);
+            why = kind.why;
         ZAXFeatObject* feature = nullptr;
+        bool isLive = false;
         if (why.isEmpty()) {
             try {
-                feature = loader.Make(ZAXGeoContainer::FindType(chain.constFirst().name), reference).release();
-                m_live.insert(reference);
+                feature = loader.Make(kind.type, reference).release();
+                isLive = true;
             } catch (const std::exception& exception) {
                 Refuse(record.id, QString::fromUtf8(exception.what()));
                 feature = new ZAXHostPlaceholder(&m_container, reference);
             }
         } else {
             auto* const placeholder = new ZAXHostPlaceholder(&m_container, reference);
-            placeholder->SetObject(chain, record.payload, record.references, why);
+            placeholder->SetObject(kind.chain, record.payload, record.references, why);
             feature = placeholder;
-            m_problems.append({ZAXHostProblem::Unavailable, record.id, chain.constFirst().name,
-                               Tr("The object %1 of class %2 is not available: %3")
-                                   .arg(QString::number(record.id), QString::fromUtf8(chain.constFirst().name), why)});
+            m_problems.append(
+                {ZAXHostProblem::Unavailable, record.id, kind.chain.constFirst().name,
+                 Tr("The object %1 of class %2 is not available: %3")
+                     .arg(QString::number(record.id), QString::fromUtf8(kind.chain.constFirst().name), why)});
         }
         Attach(feature, record);
         m_features.append(feature);
+        m_isLive.append(isLive);
+    }
+
+    /// What the objects of one class have in common.
+    struct Kind
+    {
+        QList<ZAXHostDocumentClass> chain;
+        QHash<QByteArray, int> versions;
+        /// Why there are none of it; empty if there are.
+        QString why;
+        const QMetaObject* type = nullptr;
+    };
+
+    const Kind& KindOf(quint32 classIndex)
+    {
+        const auto known = m_kinds.constFind(classIndex);
+        if (known != m_kinds.constEnd())
+            return known.value();
+        Kind kind{m_image.GetChain(classIndex), m_image.GetVersions(classIndex), {}, nullptr};
+        kind.why = ZAXHostDocumentImager::WhyUnavailable(kind.chain, m_retired);
+        kind.type = ZAXGeoContainer::FindType(kind.chain.constFirst().name);
+        return m_kinds.insert(classIndex, kind).value();
+    }
+
+    /// The objects that were made. Only few documents have references that ask for it.
+    const QSet<ZAXGeoGeometryRef>& Live()
+    {
+        if (m_live.isEmpty()) {
+            for (qsizetype i = 0; i < m_isLive.size(); ++i) {
+                if (m_isLive.at(i))
+                    m_live.insert(ZAXGeoGeometryRef::FromId(m_image.records.at(i).id));
+            }
+        }
+        return m_live;
     }
 
     void Attach(ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
@@ -172,10 +248,8 @@ private:
 
     void Load(ZAXHostStateLoader& loader, ZAXFeatObject* feature, const ZAXHostDocumentRecord& record)
     {
-        if (!m_live.contains(ZAXGeoGeometryRef(feature)))
-            return;
         try {
-            loader.SetVersions(m_image.GetVersions(record.classIndex));
+            loader.SetVersions(KindOf(record.classIndex).versions);
             loader.Load(feature, record.payload, record.references);
         } catch (const std::exception& exception) {
             Refuse(record.id, QString::fromUtf8(exception.what()));
@@ -203,8 +277,11 @@ private:
     const ZAXHostDocumentImage& m_image;
     const QSet<QByteArray>& m_retired;
     QList<ZAXHostProblem> m_problems;
+    QHash<quint32, Kind> m_kinds;
     QSet<ZAXGeoGeometryRef> m_live;
     QList<ZAXFeatObject*> m_features;
+    /// Which of them were made, as opposed to placeholders.
+    QList<bool> m_isLive;
     QHash<quint64, ZAXFeatFolder*> m_folders;
     QHash<quint64, QString> m_refused;
     bool m_isGood = true;
@@ -215,7 +292,8 @@ private:
 void ZAXHostDocumentImager::Add(const QList<ZAXFeatObject*>& features, bool isTop, ZAXHostDocumentImage& image)
 {
     const ZAXFeatObject* const parent = features.isEmpty() || isTop ? nullptr : features.constFirst()->GetParent();
-    Adder(image).Add(features, parent ? parent->GetId() : 0, 1);
+    const bool isAll = !features.isEmpty() && !features.constFirst()->GetParent();
+    Adder(image).AddAll(features, parent ? parent->GetId() : 0, isAll);
 }
 
 quint64 ZAXHostDocumentImager::HighestId(const ZAXHostDocumentImage& image, quint64 highest)

@@ -15,9 +15,9 @@ struct QMetaObject;
 /// Turns features into the image of a document, and back.
 namespace ZAXHostDocumentImager {
 
-/// Adds \a features, children of one parent in their order, with their subtrees. They get the parent id 0 when
-/// \a isTop. A placeholder gives the object it stands for.
-/// \throws ZAXSysException for a tree nested more deeply than files can hold.
+/// Adds to the empty \a image \a features, children of one parent in their order, with their subtrees. They get the
+/// parent id 0 when \a isTop. A placeholder gives the object it stands for. \throws ZAXSysException for a tree nested
+/// more deeply than files can hold.
 void Add(const QList<ZAXFeatObject*>& features, bool isTop, ZAXHostDocumentImage& image);
 
 /// The highest id that \a image knows, as the id of an object or in a reference; at least \a highest.

@@ -47,7 +47,8 @@ ZAXHostPlaceholder::~ZAXHostPlaceholder()
 void ZAXHostPlaceholder::SetObject(const QList<ZAXHostDocumentClass>& classes, const QByteArray& payload,
                                    const QList<ZAXGeoGeometryRef>& references, const QString& reason)
 {
-    *d_ptr = {classes, payload, references, reason};
+    // It may lie in a file that was read.
+    *d_ptr = {classes, QByteArrayView(payload).toByteArray(), references, reason};
 }
 
 QByteArray ZAXHostPlaceholder::GetClassName() const

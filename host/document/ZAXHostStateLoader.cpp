@@ -8,12 +8,60 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+/// The index of the constructor for re-creation; -1 for a class without it.
+int ConstructorOf(const QMetaObject* type)
+{
+    if (!type->inherits(&ZAXFeatObject::staticMetaObject))
+        return -1;
+    const QByteArray name = QByteArray(type->className()).split(':').constLast();
+    return type->indexOfConstructor(name + "(ZAXGeoContainer*,ZAXGeoGeometryRef)");
+}
+
+} // namespace
+
+ZAXHostStateLoader::ZAXHostStateLoader(ZAXFeatContainer* container)
+    : m_container(container), m_stream(std::make_unique<ZAXGeoStream>(container, QByteArray()))
+{
+}
+
+ZAXHostStateLoader::~ZAXHostStateLoader() = default;
+
+void ZAXHostStateLoader::SetVersions(const QHash<QByteArray, int>& versions)
+{
+    if (!versions.isEmpty())
+        m_stream->SetVersions(versions);
+}
+
+void ZAXHostStateLoader::SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map)
+{
+    m_stream->SetReferenceMap(map);
+}
+
+void ZAXHostStateLoader::SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable)
+{
+    m_stream->SetUnavailable(isUnavailable);
+}
+
+QObject* ZAXHostStateLoader::Construct(const QMetaObject* type, const ZAXGeoGeometryRef& reference)
+{
+    // What QMetaObject::newInstance() does, but that it looks for the constructor each time.
+    auto constructor = m_constructors.constFind(type);
+    if (constructor == m_constructors.constEnd())
+        constructor = m_constructors.insert(type, ConstructorOf(type));
+    if (constructor.value() < 0)
+        return nullptr;
+    QObject* made = nullptr;
+    ZAXGeoContainer* container = m_container;
+    ZAXGeoGeometryRef copy = reference;
+    void* arguments[] = {&made, &container, &copy};
+    return type->static_metacall(QMetaObject::CreateInstance, constructor.value(), arguments) < 0 ? made : nullptr;
+}
+
 std::unique_ptr<ZAXFeatObject> ZAXHostStateLoader::Make(const QMetaObject* type, const ZAXGeoGeometryRef& reference)
 {
-    QObject* const made =
-        type->inherits(&ZAXFeatObject::staticMetaObject)
-            ? type->newInstance(Q_ARG(ZAXGeoContainer*, m_container), Q_ARG(ZAXGeoGeometryRef, reference))
-            : nullptr;
+    QObject* const made = Construct(type, reference);
     if (!made)
         throw ZAXSysException(QCoreApplication::translate("ZAXHostDocument", "The class %1 cannot be re-created.")
                                   .arg(QLatin1String(type->className())));
@@ -26,15 +74,11 @@ std::unique_ptr<ZAXFeatObject> ZAXHostStateLoader::Make(const QMetaObject* type,
 void ZAXHostStateLoader::Load(ZAXFeatObject* feature, const QByteArray& payload,
                               const QList<ZAXGeoGeometryRef>& references)
 {
-    ZAXGeoStream stream(m_container, payload, references);
-    if (!m_versions.isEmpty())
-        stream.SetVersions(m_versions);
-    stream.SetReferenceMap(m_map);
-    stream.SetUnavailable(m_isUnavailable);
+    m_stream->Restart(payload, references);
     m_loaded.append(feature);
     feature->BeginStateLoad();
-    feature->Load(stream);
-    const QDataStream& data = stream.GetDataStream();
+    feature->Load(*m_stream);
+    const QDataStream& data = m_stream->GetDataStream();
     if (data.status() != QDataStream::Ok || !data.atEnd())
         throw ZAXSysException(
             QCoreApplication::translate("ZAXHostDocument", "The data of the object are not what its class reads."));

@@ -14,26 +14,27 @@
 #include <memory>
 
 struct QMetaObject;
+class QObject;
 class ZAXFeatContainer;
 class ZAXFeatObject;
+class ZAXGeoStream;
 
 /// Brings features back from their streamed states, as loading a document and duplicating features both do: first
 /// all features are made, then each is loaded, then each is told that all have been.
 class ZAXHostStateLoader
 {
 public:
-    explicit ZAXHostStateLoader(ZAXFeatContainer* container) : m_container(container) {}
+    explicit ZAXHostStateLoader(ZAXFeatContainer* container);
+    ~ZAXHostStateLoader();
+    ZAXHostStateLoader(const ZAXHostStateLoader&) = delete;
+    ZAXHostStateLoader& operator=(const ZAXHostStateLoader&) = delete;
 
     /// The version table of the states; without one they come from this program.
-    void SetVersions(const QHash<QByteArray, int>& versions) { m_versions = versions; }
+    void SetVersions(const QHash<QByteArray, int>& versions);
     /// How references in the states map to the features made.
-    void SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map) { m_map = map; }
-
+    void SetReferenceMap(const std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)>& map);
     /// Which mapped references lead to nothing that can be made.
-    void SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable)
-    {
-        m_isUnavailable = isUnavailable;
-    }
+    void SetUnavailable(const std::function<bool(const ZAXGeoGeometryRef&)>& isUnavailable);
 
     /// Makes a feature of class \a type, at the top of the tree, through the constructor for re-creation. An invalid
     /// \a reference gives it a new id.
@@ -50,10 +51,14 @@ public:
     void EndLoad(const std::function<void(ZAXFeatObject* feature, const QString& why)>& refused);
 
 private:
+    /// Null for a class that cannot be re-created.
+    QObject* Construct(const QMetaObject* type, const ZAXGeoGeometryRef& reference);
+
     ZAXFeatContainer* m_container;
-    QHash<QByteArray, int> m_versions;
-    std::function<ZAXGeoGeometryRef(const ZAXGeoGeometryRef&)> m_map;
-    std::function<bool(const ZAXGeoGeometryRef&)> m_isUnavailable;
+    /// One for all states.
+    std::unique_ptr<ZAXGeoStream> m_stream;
+    /// The indices of the constructors.
+    QHash<const QMetaObject*, int> m_constructors;
     QList<ZAXFeatObject*> m_loaded;
 };
 

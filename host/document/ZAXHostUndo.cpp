@@ -13,6 +13,10 @@
 #include <QUndoCommand>
 #include <QUndoStack>
 
+#include <memory>
+
+class ZAXHostUndoPrivate;
+
 namespace {
 
 Q_LOGGING_CATEGORY(logUndo, "zax.host.undo")
@@ -21,6 +25,25 @@ QString Tr(const char* text)
 {
     return QCoreApplication::translate("ZAXHostUndo", text);
 }
+
+class Command : public QUndoCommand
+{
+public:
+    explicit Command(ZAXHostUndoPrivate* undo) : m_undo(undo) {}
+    ~Command() override;
+
+    ZAXHostUndoStep& Step() { return m_step; }
+
+    void undo() override { Go(ZAXHostUndoStep::Back); }
+    void redo() override;
+
+private:
+    void Go(ZAXHostUndoStep::Direction direction);
+
+    ZAXHostUndoPrivate* m_undo;
+    ZAXHostUndoStep m_step;
+    ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
+};
 
 } // namespace
 
@@ -37,7 +60,7 @@ public:
 
     void BeginStep() override { ++depth; }
     void EndStep() override;
-    void AboutToChange(ZAXFeatObject* feature) override;
+    void AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only) override;
     void Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to) override;
     void Destroyed(ZAXFeatObject* feature) override;
     bool KeepsRemoved() const override { return true; }
@@ -56,10 +79,12 @@ public:
     ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
+    /// What \a step does, in the user's words.
+    const QString& NameOf(const ZAXHostUndoStep& step);
     /// Takes what was recorded back. Fails when a feature does not take its former state.
     ZAXHostResult RollBackRecorded();
-    /// Does \a step in \a direction, or leaves everything as it is; then it gives the message.
-    QString Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction);
+    /// Does \a recordedStep in \a direction, or leaves everything as it is; then it gives the message.
+    QString Restore(const ZAXHostUndoStep& recordedStep, ZAXHostUndoStep::Direction direction);
     /// Takes back what slots changed while \a step was done in \a direction, and the step itself unless it is to
     /// \a stay done.
     void Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction, bool stay);
@@ -73,7 +98,13 @@ public:
 
     ZAXFeatContainer* container = nullptr;
     /// What happened in the step or the transaction that is under way.
-    ZAXHostUndoStep recorded;
+    ZAXHostUndoStep& Recorded()
+    {
+        if (!recording)
+            recording = std::make_unique<Command>(this);
+        return recording->Step();
+    }
+
     /// What slots changed while a state is restored.
     ZAXHostUndoStep foreign;
     /// What of that was taken back already: these states are right as they were before.
@@ -86,6 +117,10 @@ public:
     ZAXHostUndoStep::Direction failedDirection = ZAXHostUndoStep::Back;
     QString failure;
     QList<quint64> discarded;
+    /// The command that will do what is under way; null when there is nothing yet.
+    std::unique_ptr<Command> recording;
+    ZAXHostUndoStep::Description lastDescription;
+    QString lastName;
     int depth = 0;
     bool isInTransaction = false;
     bool isRestoring = false;
@@ -127,42 +162,31 @@ private:
     ZAXHostUndoPrivate& m_undo;
 };
 
-class Command : public QUndoCommand
-{
-public:
-    Command(ZAXHostUndoPrivate* undo, const ZAXHostUndoStep& step, const QString& text)
-        : QUndoCommand(text), m_undo(undo), m_step(step)
-    {
-    }
-    ~Command() override { m_undo->Discard(m_step.Keeps(m_lastDirection)); }
-
-    void undo() override { Go(ZAXHostUndoStep::Back); }
-    void redo() override
-    {
-        // Pushing a command calls this too, when everything is done already.
-        if (!m_undo->isPushing)
-            Go(ZAXHostUndoStep::Forth);
-    }
-
-private:
-    void Go(ZAXHostUndoStep::Direction direction)
-    {
-        if (m_undo->failed)
-            return;
-        if (m_undo->IsBusy())
-            return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
-        const QString message = m_undo->Restore(m_step, direction);
-        if (!message.isEmpty())
-            return m_undo->Fail(this, direction, message);
-        m_lastDirection = direction;
-    }
-
-    ZAXHostUndoPrivate* m_undo;
-    ZAXHostUndoStep m_step;
-    ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
-};
-
 } // namespace
+
+Command::~Command()
+{
+    m_undo->Discard(m_step.Keeps(m_lastDirection));
+}
+
+void Command::redo()
+{
+    // Pushing a command calls this too, when everything is done already.
+    if (!m_undo->isPushing)
+        Go(ZAXHostUndoStep::Forth);
+}
+
+void Command::Go(ZAXHostUndoStep::Direction direction)
+{
+    if (m_undo->failed)
+        return;
+    if (m_undo->IsBusy())
+        return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
+    const QString message = m_undo->Restore(m_step, direction);
+    if (!message.isEmpty())
+        return m_undo->Fail(this, direction, message);
+    m_lastDirection = direction;
+}
 
 void ZAXHostUndoPrivate::EndStep()
 {
@@ -176,20 +200,20 @@ void ZAXHostUndoPrivate::EndStep()
     }
 }
 
-void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature)
+void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only)
 {
     // What is not announced yet is not there yet for undo: it comes with all that it has then.
     if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         return;
     if (!isRestoring)
-        recorded.AddState(feature);
+        Recorded().AddState(feature, only);
     else if (!restored->HasState(feature->GetId()) && !takenBack.HasState(feature->GetId()))
         foreign.AddState(feature);
 }
 
 void ZAXHostUndoPrivate::Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to)
 {
-    (isRestoring ? foreign : recorded).AddPlacing(feature, from, to);
+    (isRestoring ? foreign : Recorded()).AddPlacing(feature, from, to);
     if (isRestoring)
         done.append({feature->GetId(), from, to});
 }
@@ -198,8 +222,8 @@ void ZAXHostUndoPrivate::Destroyed(ZAXFeatObject* feature)
 {
     const quint64 id = feature->GetId();
     const bool wasThereBefore =
-        ZAXFeatObjectPrivate::Get(*feature).isAnnounced && !recorded.CameInStep(id) && !foreign.CameInStep(id);
-    recorded.Forget(id);
+        ZAXFeatObjectPrivate::Get(*feature).isAnnounced && !Recorded().CameInStep(id) && !foreign.CameInStep(id);
+    Recorded().Forget(id);
     foreign.Forget(id);
     takenBack.Forget(id);
     // No step tells of it, and none brings it back.
@@ -216,23 +240,41 @@ ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
 
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    const ZAXHostUndoStep step = Take(recorded);
+    auto command = std::exchange(recording, nullptr);
+    if (!command)
+        return FreeDiscarded();
+    ZAXHostUndoStep& step = command->Step();
+    Discard(step.Close(*container));
     if (!step.IsComplete())
         stack.resetClean();
     if (!step.IsEmpty()) {
+        const QString& name = text.isEmpty() ? NameOf(step) : text;
+        command->setText(name);
         const auto pushed = qScopeGuard([this, wasPushing = std::exchange(isPushing, true)] {
             isPushing = wasPushing;
             FreeDiscarded();
         });
-        stack.push(new Command(this, step, text.isEmpty() ? step.Describe(*container) : text));
+        stack.push(command.release());
     }
     FreeDiscarded();
 }
 
+const QString& ZAXHostUndoPrivate::NameOf(const ZAXHostUndoStep& step)
+{
+    // One change after the other is of the same feature: such steps share their name.
+    auto description = step.Describe(*container);
+    if (description != lastDescription) {
+        lastDescription = std::move(description);
+        lastName = lastDescription.text.arg(lastDescription.label);
+    }
+    return lastName;
+}
+
 ZAXHostResult ZAXHostUndoPrivate::RollBackRecorded()
 {
-    const ZAXHostUndoStep step = Take(recorded);
-    bool isRestored = step.IsComplete();
+    QString failure;
+    const ZAXHostUndoStep step = Take(Recorded()).Whole(*container, ZAXHostUndoStep::Back, failure);
+    bool isRestored = step.IsComplete() && failure.isEmpty();
     if (!step.IsEmpty()) {
         const Restoring restoring(*this, step);
         done = step.placings;
@@ -270,8 +312,12 @@ void ZAXHostUndoPrivate::Settle(const ZAXHostUndoStep& step, ZAXHostUndoStep::Di
     }
 }
 
-QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& step, ZAXHostUndoStep::Direction direction)
+QString ZAXHostUndoPrivate::Restore(const ZAXHostUndoStep& recordedStep, ZAXHostUndoStep::Direction direction)
 {
+    QString failure;
+    const ZAXHostUndoStep step = recordedStep.Whole(*container, direction, failure);
+    if (!failure.isEmpty())
+        return failure;
     const Restoring restoring(*this, step);
     try {
         step.Apply(*container, direction, done);
@@ -310,7 +356,7 @@ void ZAXHostUndoPrivate::ReturnToFailure()
 
 void ZAXHostUndoPrivate::FreeDiscarded()
 {
-    if (isPushing || isRestoring || !container)
+    if (discarded.isEmpty() || isPushing || isRestoring || !container)
         return;
     const auto ids = std::exchange(discarded, {});
     for (const quint64 id : ids) {
@@ -353,7 +399,7 @@ void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
         ZAXFeatContainerPrivate::Get(*d_ptr->container).observer = nullptr;
     }
     d_ptr->container = container;
-    d_ptr->recorded = {};
+    d_ptr->Recorded() = {};
     d_ptr->discarded.clear();
     if (container)
         ZAXFeatContainerPrivate::Get(*container).observer = d_ptr.get();

@@ -16,9 +16,11 @@ class ZAXHostUndoPrivate;
 /// does as one operation (creating, removing, moving, duplicating, labelling, setting a property) is one step on the
 /// stack, and so is all that happens within a ZAXHostTransaction. A step that changes nothing in the end is dropped.
 ///
-/// Steps hold ids and bytes. A removed feature waits aside, at its address and with its subtree, as long as a step can
-/// bring it back. Restoring a state goes through ZAXGeoGeometry::SetCurrentState(), with signals; it records nothing
-/// and leaves the last-saved values alone, and what slots change meanwhile is taken back.
+/// Steps hold ids and bytes; of a feature that changed in nothing but values of properties, those values. A feature
+/// that cannot be saved does not change in any other way: what it throws passes through. A removed feature waits aside,
+/// at its address and with its subtree, as long as a step can bring it back. Restoring a state goes through
+/// ZAXGeoGeometry::SetCurrentState(), with signals; it records nothing and leaves the last-saved values alone, and what
+/// slots change meanwhile is taken back.
 class ZAXHOST_EXPORT ZAXHostUndo
 {
 public:
@@ -41,9 +43,9 @@ public:
     bool IsBusy() const;
 
     /// Takes the last step back; done, and nothing happens, when there is none. Fails as well when a feature does
-    /// not take its former state: the document and the stack are then as before. Should a feature not take that state
-    /// back either, the document counts as changed until it is saved. What a slot of the stack throws passes through,
-    /// when all is done.
+    /// not take its former state, or cannot be saved: the document and the stack are then as before. Should a feature
+    /// not take that state back either, the document counts as changed until it is saved. What a slot of the stack
+    /// throws passes through, when all is done.
     ZAXHostResult Undo();
     /// Does again what Undo() took back last; done, and nothing happens, when there is nothing to.
     ZAXHostResult Redo();

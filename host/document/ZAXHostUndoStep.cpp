@@ -3,6 +3,8 @@
 #include "ZAXFeatContainer.h"
 #include "ZAXFeatObject.h"
 #include "ZAXFeatObjectPrivate.h"
+#include "ZAXFeatPropertyBasePrivate.h"
+#include "ZAXFeatValuePropertyBase.h"
 #include "ZAXGeoContainerPrivate.h"
 
 #include <QCoreApplication>
@@ -37,6 +39,74 @@ std::optional<QByteArray> StateOf(const ZAXFeatObject& feature)
     std::optional<QByteArray> state;
     Try([&] { state = feature.GetCurrentState(); });
     return state;
+}
+
+/// Fewer states than that are found without an index.
+constexpr qsizetype indexedStates = 8;
+
+using KeptValue = ZAXFeatKeptValue ZAXHostUndoStep::Value::*;
+
+ZAXFeatKeptValue ValueOf(const ZAXFeatValuePropertyBase& property)
+{
+    return ZAXFeatPropertyBasePrivate::Access(property)->keep(property);
+}
+
+/// Gives properties of a feature other values, past changes and signals, as long as it lives.
+class OtherValues
+{
+public:
+    OtherValues(const ZAXFeatObject& feature, const ZAXHostUndoStep::Values& values, KeptValue wanted)
+    {
+        for (const ZAXHostUndoStep::Value& value : values) {
+            auto* const property = ZAXFeatObjectPrivate::Get(feature).FindValueProperty(value.property);
+            if (!property)
+                continue;
+            m_present.append({property, ValueOf(*property)});
+            Set(*property, value.*wanted);
+        }
+    }
+    ~OtherValues()
+    {
+        for (const auto& [property, value] : std::as_const(m_present))
+            Set(*property, value);
+    }
+    OtherValues(const OtherValues&) = delete;
+    OtherValues& operator=(const OtherValues&) = delete;
+
+private:
+    static void Set(ZAXFeatValuePropertyBase& property, const ZAXFeatKeptValue& value)
+    {
+        ZAXFeatPropertyBasePrivate::Access(property)->restore(property, value);
+    }
+
+    QList<std::pair<ZAXFeatValuePropertyBase*, ZAXFeatKeptValue>> m_present;
+};
+
+/// The state of \a feature with other \a values. \throws what Save() throws.
+QByteArray StateWith(const ZAXFeatObject& feature, const ZAXHostUndoStep::Values& values, KeptValue wanted)
+{
+    const OtherValues other(feature, values, wanted);
+    return feature.GetCurrentState();
+}
+
+/// Adds the value of \a property, unless it is there.
+void AddValue(ZAXHostUndoStep::Values& values, const ZAXFeatValuePropertyBase& property)
+{
+    const int index = property.GetPropertyIndex();
+    if (std::ranges::find(values, index, &ZAXHostUndoStep::Value::property) == values.end())
+        values.append({index, ValueOf(property), {}});
+}
+
+/// Adds the values that the properties of \a feature have now and drops those that are as before.
+void CloseValues(ZAXHostUndoStep::Values& values, const ZAXFeatObject* feature)
+{
+    for (ZAXHostUndoStep::Value& value : values) {
+        const auto* const property =
+            feature ? ZAXFeatObjectPrivate::Get(*feature).FindValueProperty(value.property) : nullptr;
+        value.after = property ? ValueOf(*property) : value.before;
+    }
+    values.removeIf(
+        [](const ZAXHostUndoStep::Value& value) { return ZAXFeatKeptValues::IsSame(value.before, value.after); });
 }
 
 ZAXHostUndoStep::Placing Reversed(const ZAXHostUndoStep::Placing& placing)
@@ -134,14 +204,52 @@ ZAXFeatObject* ZAXHostUndoStep::Find(const ZAXFeatContainer& container, quint64 
     return qobject_cast<ZAXFeatObject*>(geometry ? geometry : index.aside.value(id));
 }
 
-void ZAXHostUndoStep::AddState(const ZAXFeatObject* feature)
+void ZAXHostUndoStep::AddState(const ZAXFeatObject* feature, const ZAXFeatValuePropertyBase* only)
 {
     const quint64 id = feature->GetId();
-    if (HasState(id) || CameInStep(id))
+    qsizetype place = IndexOfState(id);
+    if (place < 0 ? CameInStep(id) : states[place].values.isEmpty())
         return;
-    const QByteArray state = feature->GetCurrentState();
-    stateIndex.insert(id, states.size());
-    states.append({id, state, {}});
+    // The value will be asked for by the index.
+    const int property = only ? only->GetPropertyIndex() : -1;
+    if (only && ZAXFeatObjectPrivate::Get(*feature).FindValueProperty(property) == only) {
+        if (place < 0)
+            place = AppendState(id);
+        AddValue(states[place].values, *only);
+        return;
+    }
+    const Values changed = place < 0 ? Values() : states[place].values;
+    const QByteArray before = StateWith(*feature, changed, &Value::before);
+    if (place < 0)
+        place = AppendState(id);
+    states[place] = {id, before, {}, {}};
+}
+
+qsizetype ZAXHostUndoStep::IndexOfState(quint64 id) const
+{
+    if (!stateIndex.isEmpty())
+        return stateIndex.value(id, -1);
+    const auto found = std::ranges::find(states, id, &State::id);
+    return found != states.cend() ? found - states.cbegin() : -1;
+}
+
+qsizetype ZAXHostUndoStep::AppendState(quint64 id)
+{
+    states.emplace_back().id = id;
+    if (!stateIndex.isEmpty())
+        stateIndex.insert(id, states.size() - 1);
+    else if (states.size() >= indexedStates)
+        IndexStates();
+    return states.size() - 1;
+}
+
+void ZAXHostUndoStep::IndexStates()
+{
+    stateIndex.clear();
+    if (states.size() < indexedStates)
+        return;
+    for (qsizetype i = 0; i < states.size(); ++i)
+        stateIndex.insert(states[i].id, i);
 }
 
 void ZAXHostUndoStep::AddPlacing(const ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to)
@@ -155,11 +263,10 @@ void ZAXHostUndoStep::Forget(quint64 id)
 {
     if (cameInStep.remove(id) > 0)
         placings.removeIf([id](const Placing& placing) { return placing.id == id; });
-    if (stateIndex.remove(id) == 0)
+    if (!HasState(id))
         return;
     states.removeIf([id](const State& state) { return state.id == id; });
-    for (qsizetype i = 0; i < states.size(); ++i)
-        stateIndex[states.at(i).id] = i;
+    IndexStates();
 }
 
 QList<quint64> ZAXHostUndoStep::Close(const ZAXFeatContainer& container)
@@ -170,21 +277,24 @@ QList<quint64> ZAXHostUndoStep::Close(const ZAXFeatContainer& container)
         return CameInStep(placing.id) && (!feature || ZAXFeatObjectPrivate::Get(*feature).isAside);
     };
     // Places are counted among siblings: the places of others may count these in.
-    if (std::ranges::all_of(placings, cameAndWent)) {
-        std::ranges::transform(placings, std::back_inserter(gone), &Placing::id);
+    if (!placings.isEmpty() && std::ranges::all_of(std::as_const(placings), cameAndWent)) {
+        std::ranges::transform(std::as_const(placings), std::back_inserter(gone), &Placing::id);
         placings.clear();
     }
-    JoinPlacings(gone);
+    if (!placings.isEmpty())
+        JoinPlacings(gone);
     for (State& state : states) {
         const ZAXFeatObject* const feature = Find(container, state.id);
+        if (!state.values.isEmpty()) {
+            CloseValues(state.values, feature);
+            continue;
+        }
         const auto after = feature ? StateOf(*feature) : state.before;
         isComplete = isComplete && after;
         state.after = after.value_or(state.before);
     }
-    states.removeIf([](const State& state) { return state.before == state.after; });
-    stateIndex.clear();
-    for (qsizetype i = 0; i < states.size(); ++i)
-        stateIndex.insert(states.at(i).id, i);
+    states.removeIf([](const State& state) { return state.values.isEmpty() && state.before == state.after; });
+    IndexStates();
     return gone;
 }
 
@@ -206,16 +316,16 @@ void ZAXHostUndoStep::JoinPlacings(QList<quint64>& gone)
     placings = joined;
 }
 
-QString ZAXHostUndoStep::Describe(const ZAXFeatContainer& container) const
+ZAXHostUndoStep::Description ZAXHostUndoStep::Describe(const ZAXFeatContainer& container) const
 {
     const auto describe = [&](const char* text, quint64 id) {
         const ZAXFeatObject* const feature = Find(container, id);
         QString label;
         Try([&] { label = feature ? feature->GetLabel() : QString(); });
-        return QCoreApplication::translate("ZAXHostUndo", text).arg(label);
+        return Description{QCoreApplication::translate("ZAXHostUndo", text), label};
     };
     if (placings.isEmpty())
-        return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Change %1"), states.constFirst().id);
+        return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Change %1"), states.first().id);
     const Placing& placing = placings.constFirst();
     if (!placing.from.isInTree)
         return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Create %1"), placing.id);
@@ -231,6 +341,32 @@ QList<ZAXHostUndoStep::Placing> ZAXHostUndoStep::Placings(Direction direction) c
     QList<Placing> reversed;
     std::transform(placings.crbegin(), placings.crend(), std::back_inserter(reversed), Reversed);
     return reversed;
+}
+
+ZAXHostUndoStep ZAXHostUndoStep::Whole(const ZAXFeatContainer& container, Direction direction, QString& failure) const
+{
+    ZAXHostUndoStep whole = *this;
+    whole.states.clear();
+    for (const State& state : states) {
+        const ZAXFeatObject* const feature = Find(container, state.id);
+        if (state.values.isEmpty() || !feature) {
+            whole.states.append(state);
+            continue;
+        }
+        try {
+            const QByteArray present = feature->GetCurrentState();
+            const QByteArray wanted =
+                StateWith(*feature, state.values, direction == Forth ? &Value::after : &Value::before);
+            whole.states.append(direction == Forth ? State{state.id, present, wanted, {}}
+                                                   : State{state.id, wanted, present, {}});
+        } catch (const std::exception& exception) {
+            failure = QString::fromUtf8(exception.what());
+            if (failure.isEmpty())
+                failure = QCoreApplication::translate("ZAXHostUndo", "A change cannot be taken back.");
+        }
+    }
+    whole.IndexStates();
+    return whole;
 }
 
 void ZAXHostUndoStep::Apply(ZAXFeatContainer& container, Direction direction, QList<Placing>& done) const
@@ -317,6 +453,8 @@ void ZAXHostUndoStep::AddStates(const ZAXHostUndoStep& other)
 
 QList<quint64> ZAXHostUndoStep::Keeps(Direction lastDirection) const
 {
+    if (placings.isEmpty())
+        return {};
     QHash<quint64, bool> isInTree;
     for (const Placing& placing : placings) {
         if (lastDirection == Forth)

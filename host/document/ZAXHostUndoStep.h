@@ -4,14 +4,17 @@
 // Private to the host: may change without notice.
 
 #include "ZAXFeatChangeObserver.h"
+#include "ZAXFeatKeptValue.h"
 
 #include <QByteArray>
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QVarLengthArray>
 
 class ZAXFeatContainer;
 class ZAXFeatObject;
+class ZAXFeatValuePropertyBase;
 
 /// What one step changed: places and states, by the ids of the features.
 class ZAXHostUndoStep
@@ -23,11 +26,21 @@ public:
         ZAXFeatPlace from;
         ZAXFeatPlace to;
     };
+    /// The value of one property of a feature.
+    struct Value
+    {
+        int property;
+        ZAXFeatKeptValue before;
+        ZAXFeatKeptValue after;
+    };
+    using Values = QVarLengthArray<Value, 1>;
+    /// The state of a feature; where nothing but values of properties changed, \a values instead.
     struct State
     {
         quint64 id;
         QByteArray before;
         QByteArray after;
+        Values values;
     };
     enum Direction
     {
@@ -41,8 +54,9 @@ public:
         Silently
     };
 
-    /// Adds the state of \a feature before its first change in this step. A feature that came in this step has none.
-    void AddState(const ZAXFeatObject* feature);
+    /// Adds the state of \a feature before its first change in this step, or only the value of \a only while nothing
+    /// else changes. A feature that came in this step has none.
+    void AddState(const ZAXFeatObject* feature, const ZAXFeatValuePropertyBase* only = nullptr);
     void AddPlacing(const ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to);
     /// Forgets a feature that is destroyed.
     void Forget(quint64 id);
@@ -53,11 +67,23 @@ public:
     bool IsEmpty() const { return placings.isEmpty() && states.isEmpty(); }
     /// False when Close() did not get the state of a feature: the step cannot restore that.
     bool IsComplete() const { return isComplete; }
-    bool HasState(quint64 id) const { return stateIndex.contains(id); }
+    bool HasState(quint64 id) const { return IndexOfState(id) >= 0; }
     /// Whether the feature came in this step: it has no state from before.
     bool CameInStep(quint64 id) const { return cameInStep.value(id, false); }
-    /// What the step does, in the user's words.
-    QString Describe(const ZAXFeatContainer& container) const;
+    /// What the step does, in the user's words, with "%1" in the place of the label of what it does that to.
+    struct Description
+    {
+        QString text;
+        QString label;
+
+        friend bool operator==(const Description&, const Description&) = default;
+    };
+    Description Describe(const ZAXFeatContainer& container) const;
+
+    /// The step with whole states only, as it must be to be done in \a direction: features of which nothing but values
+    /// changed get the states that they have now, and would have with the others. One that cannot be saved gets none,
+    /// and \a failure tells why.
+    ZAXHostUndoStep Whole(const ZAXFeatContainer& container, Direction direction, QString& failure) const;
 
     /// Puts the features back to where they stood before the step, or forth to where they stood after it, and gives
     /// them their states. Signals of departures are raised at once, those of arrivals when the states are right. Every
@@ -79,8 +105,7 @@ public:
     QList<quint64> Keeps(Direction lastDirection) const;
 
     QList<Placing> placings;
-    QList<State> states;
-    QHash<quint64, qsizetype> stateIndex;
+    QVarLengthArray<State, 1> states;
 
     /// The feature with \a id, be it in the tree or aside; null when it is gone.
     static ZAXFeatObject* Find(const ZAXFeatContainer& container, quint64 id);
@@ -92,6 +117,14 @@ private:
     /// Joins what one feature did in a row, and drops it when it led back. Adds those that are gone then to \a gone.
     void JoinPlacings(QList<quint64>& gone);
 
+    /// -1 for a feature without a state.
+    qsizetype IndexOfState(quint64 id) const;
+    /// Appends an empty state and gives its place.
+    qsizetype AppendState(quint64 id);
+    void IndexStates();
+
+    /// The places in the list of states, when there are many.
+    QHash<quint64, qsizetype> stateIndex;
     /// For each feature that was placed, whether it was not in the tree before.
     QHash<quint64, bool> cameInStep;
     bool isComplete = true;

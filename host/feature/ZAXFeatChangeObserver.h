@@ -6,6 +6,7 @@
 #include <QtGlobal>
 
 class ZAXFeatObject;
+class ZAXFeatValuePropertyBase;
 
 /// Where a feature stands: aside, out of the tree, or among the children of a feature.
 struct ZAXFeatPlace
@@ -28,8 +29,10 @@ public:
     virtual void BeginStep() = 0;
     virtual void EndStep() = 0;
 
-    /// The state of \a feature is about to change: called within a step, for the outermost of nested changes.
-    virtual void AboutToChange(ZAXFeatObject* feature) = 0;
+    /// The state of \a feature is about to change: called within a step, for the outermost of nested changes. When
+    /// \a only is not null, nothing but its value is; it has a ZAXFeatValueAccess. Should more change nevertheless,
+    /// this is called again, with null.
+    virtual void AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only) = 0;
     /// \a feature came, went or moved: called within a step, when it is done.
     virtual void Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to) = 0;
     /// \a feature is being destroyed without having been removed; only its id may still be asked.

@@ -9,6 +9,7 @@
 #include <QList>
 
 class ZAXFeatChangeObserver;
+class ZAXFeatLoading;
 class ZAXFeatObject;
 class ZAXFeatObjectPropertyBase;
 
@@ -28,6 +29,8 @@ public:
     QMultiHash<quint64, ZAXFeatObjectPropertyBase*> unavailable;
     /// Not owned; may be null.
     ZAXFeatChangeObserver* observer = nullptr;
+    /// While features are loaded that nobody knows yet; null else.
+    ZAXFeatLoading* loading = nullptr;
     /// Grows when a feature gets a place in the tree, loses it, or begins to be destroyed. Never 0.
     quint64 treeVersion = 1;
     /// How many signals about changes are being raised, one within another.

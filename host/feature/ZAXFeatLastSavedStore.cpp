@@ -1,5 +1,6 @@
 #include "ZAXFeatLastSavedStore.h"
 
+#include "ZAXFeatLoading.h"
 #include "ZAXSysModules.h"
 
 #include <QHash>
@@ -81,11 +82,13 @@ QVariant ZAXFeatLastSavedStore::Detached(const QVariant& value)
 
 ZAXFeatLastSavedStore& ZAXFeatLastSavedStore::GetCurrent()
 {
+    ZAXFeatLoading::Flush();
     return *Instance().store;
 }
 
 void ZAXFeatLastSavedStore::SetCurrent(ZAXFeatLastSavedStore* store)
 {
+    ZAXFeatLoading::Flush();
     auto& current = Instance();
     if (store) {
         current.store = store;

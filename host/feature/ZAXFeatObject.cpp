@@ -15,6 +15,7 @@
 
 #include <QCoreApplication>
 #include <QMetaClassInfo>
+#include <QMetaMethod>
 #include <QPointer>
 #include <QScopeGuard>
 #include <QSet>
@@ -86,8 +87,8 @@ ZAXFeatObject::~ZAXFeatObject()
     d_ptr->TreeChanged();
     if (auto* const observer = d_ptr->Observer(); observer && !d_ptr->isAside)
         observer->Destroyed(this);
-    for (const ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
-        ZAXFeatPropertyBasePrivate::Get(*property).pointed = nullptr;
+    for (ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
+        ZAXFeatPropertyBasePrivate::ForgetPointed(*property);
     while (!d_ptr->children.isEmpty())
         delete d_ptr->children.constLast();
     d_ptr->Detach();
@@ -145,7 +146,10 @@ void ZAXFeatObject::PostDuplicate(const ZAXFeatObject*, const ZAXFeatObject*) {}
 
 QString ZAXFeatObject::GetLabel() const
 {
-    return GetLabelPrefix() + (d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label) + GetLabelSuffix();
+    const QString prefix = GetLabelPrefix();
+    const QString suffix = GetLabelSuffix();
+    QString label = d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label;
+    return prefix.isEmpty() && suffix.isEmpty() ? label : prefix + label + suffix;
 }
 
 QString ZAXFeatObject::GetLabelPrefix() const
@@ -221,6 +225,10 @@ void ZAXFeatObject::SetLabel(const QString& label)
         // A null text and an empty one mean the same, but are stored differently.
         d_ptr->label = label.isEmpty() ? QString() : label;
     }
+    static const QMetaMethod changed = QMetaMethod::fromSignal(&ZAXFeatObject::LabelChanged);
+    const bool isLoading = d_ptr->container && ZAXFeatContainerPrivate::Get(*d_ptr->container).loading;
+    if (isLoading && d_ptr->IsUnheard(changed))
+        return;
     const ZAXFeatSignalScope scope(this);
     emit LabelChanged(GetLabel());
 }

@@ -6,6 +6,7 @@
 #include "ZAXFeatPropertyBasePrivate.h"
 #include "ZAXFeatRoot.h"
 #include "ZAXFeatSignalScope.h"
+#include "ZAXFeatValuePropertyBase.h"
 #include "ZAXGeoContainerPrivate.h"
 #include "ZAXGeoGeometryPrivate.h"
 #include "ZAXSysException.h"
@@ -257,17 +258,24 @@ void ZAXFeatObjectPrivate::DiscardLater()
         Qt::QueuedConnection);
 }
 
-void ZAXFeatObjectPrivate::BeginModify()
+void ZAXFeatObjectPrivate::BeginModify(ZAXFeatValuePropertyBase* only)
 {
+    auto* const observer = Observer();
     if (openChanges == 0) {
-        if (auto* const observer = Observer()) {
+        if (observer) {
             observer->BeginStep();
             auto unopened = qScopeGuard([observer] { observer->EndStep(); });
-            observer->AboutToChange(q);
+            observer->AboutToChange(q, only);
             unopened.dismiss();
         }
         if (container)
             ++ZAXFeatContainerPrivate::Get(*container).openOperations;
+        changing = only;
+    } else if (changing && changing != only) {
+        // More changes than was announced.
+        if (observer)
+            observer->AboutToChange(q, nullptr);
+        changing = nullptr;
     }
     ++openChanges;
 }
@@ -284,6 +292,14 @@ void ZAXFeatObjectPrivate::EndModify()
     --closings;
     if (container)
         --ZAXFeatContainerPrivate::Get(*container).openOperations;
+}
+
+ZAXFeatValuePropertyBase* ZAXFeatObjectPrivate::FindValueProperty(int index) const
+{
+    auto* property = valueProperties;
+    while (property && ZAXFeatPropertyBasePrivate::Index(*property) != index)
+        property = ZAXFeatPropertyBasePrivate::Next(*property);
+    return property;
 }
 
 QList<ZAXFeatObject*> ZAXFeatObjectPrivate::Subtree() const

@@ -65,10 +65,16 @@ public:
     /// with the feature afterwards.
     bool IsInUse() const;
 
-    /// Opens a change of the feature's state; changes may nest.
-    void BeginModify();
+    /// Whether nobody is connected to \a signal.
+    bool IsUnheard(const QMetaMethod& signal) const { return !q->isSignalConnected(signal); }
+
+    /// Opens a change of the feature's state; changes may nest. In a change of \a only, nothing but its value changes.
+    void BeginModify(ZAXFeatValuePropertyBase* only = nullptr);
     /// Closes the change that BeginModify() opened.
     void EndModify();
+
+    /// The property bound to the meta-object property \a index, if the host has access to its value; null if not.
+    ZAXFeatValuePropertyBase* FindValueProperty(int index) const;
 
     /// The feature itself and all below it.
     QList<ZAXFeatObject*> Subtree() const;
@@ -83,6 +89,10 @@ public:
     ZAXFeatObject* const q;
     ZAXFeatContainer* const container;
     ZAXFeatObject* parent = nullptr;
+    QString label;
+    bool isVisible = true;
+    /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
+    bool isPlaceholder = false;
     /// The parent that raised ChildAdded() for the feature last, and not ChildRemoved() since.
     QPointer<ZAXFeatObject> toldParent;
     QList<ZAXFeatObject*> children;
@@ -90,24 +100,24 @@ public:
     mutable QList<ZAXFeatObject*> allChildren;
     mutable quint64 allChildrenVersion = 0;
 
-    QString label;
-    bool isVisible = true;
     QList<ZAXFeatObject::PropertyMessage> messages;
 
     /// Properties to initialise from last-saved values.
     QList<ZAXFeatValuePropertyBase*> initializations;
+    /// The first of the properties whose values the host has access to.
+    ZAXFeatValuePropertyBase* valueProperties = nullptr;
     /// Properties, of any feature, that point at this one.
     QList<ZAXFeatObjectPropertyBase*> pointers;
 
     int openChanges = 0;
+    /// The property that alone changes in the open change; null when anything may.
+    ZAXFeatValuePropertyBase* changing = nullptr;
     /// How many EndModify() are at work with the feature, its last change being closed.
     int closings = 0;
     bool isInitialized = false;
     bool isAnnounced = false;
     bool isAnnouncementDeferred = false;
     bool isAside = false;
-    /// Stands for a feature that could not be made: what its parent is was settled elsewhere.
-    bool isPlaceholder = false;
     /// Remove() is under way.
     bool isLeaving = false;
 

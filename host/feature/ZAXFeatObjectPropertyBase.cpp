@@ -3,7 +3,6 @@
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObjectListPropertyBase.h"
 #include "ZAXFeatObjectPrivate.h"
-#include "ZAXFeatPropertyBasePrivate.h"
 #include "ZAXSysException.h"
 
 ZAXFeatObjectPropertyBase::ZAXFeatObjectPropertyBase(ZAXFeatObject* feature, bool isInput)
@@ -27,13 +26,12 @@ void ZAXFeatObjectPropertyBase::SetPointedObject(ZAXFeatObject* object)
 {
     if (object && object->GetContainer() != GetFeature()->GetContainer() && !CanExternalReference(object))
         throw ZAXSysException(QLatin1String("The object belongs to another document."));
-    ZAXFeatObject*& pointed = ZAXFeatPropertyBasePrivate::Get(*this).pointed;
-    if (pointed)
-        ZAXFeatObjectPrivate::Get(*pointed).pointers.removeOne(this);
-    pointed = object;
+    if (m_pointed)
+        ZAXFeatObjectPrivate::Get(*m_pointed).pointers.removeOne(this);
+    m_pointed = object;
     SetUnavailableReference({});
-    if (pointed)
-        ZAXFeatObjectPrivate::Get(*pointed).pointers.append(this);
+    if (m_pointed)
+        ZAXFeatObjectPrivate::Get(*m_pointed).pointers.append(this);
 }
 
 bool ZAXFeatObjectPropertyBase::CanExternalReference(ZAXFeatObject*)
@@ -43,27 +41,25 @@ bool ZAXFeatObjectPropertyBase::CanExternalReference(ZAXFeatObject*)
 
 ZAXFeatObject* ZAXFeatObjectPropertyBase::GetPointedObject() const
 {
-    return ZAXFeatPropertyBasePrivate::Get(*this).pointed;
+    return m_pointed;
 }
 
 ZAXGeoGeometryRef ZAXFeatObjectPropertyBase::GetReference() const
 {
-    const auto& d = ZAXFeatPropertyBasePrivate::Get(*this);
-    return d.pointed ? ZAXGeoGeometryRef(d.pointed) : d.unavailable;
+    return m_pointed ? ZAXGeoGeometryRef(m_pointed) : m_unavailable;
 }
 
 void ZAXFeatObjectPropertyBase::SetUnavailableReference(const ZAXGeoGeometryRef& reference)
 {
-    auto& unavailable = ZAXFeatPropertyBasePrivate::Get(*this).unavailable;
-    if (unavailable == reference)
+    if (m_unavailable == reference)
         return;
     if (auto* const container = ZAXFeatObjectPrivate::Get(*GetFeature()).container) {
         auto& properties = ZAXFeatContainerPrivate::Get(*container).unavailable;
-        properties.remove(unavailable.GetId(), this);
+        properties.remove(m_unavailable.GetId(), this);
         if (reference.IsValid())
             properties.insert(reference.GetId(), this);
     }
-    unavailable = reference;
+    m_unavailable = reference;
 }
 
 ZAXFeatObjectListPropertyBase::ZAXFeatObjectListPropertyBase(ZAXFeatObject* feature, int propertyIndex)

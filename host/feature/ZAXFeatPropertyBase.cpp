@@ -1,7 +1,6 @@
 #include "ZAXFeatPropertyBase.h"
 
 #include "ZAXFeatObjectPrivate.h"
-#include "ZAXFeatPropertyBasePrivate.h"
 
 #include <QMetaClassInfo>
 #include <QMetaProperty>
@@ -19,12 +18,12 @@ bool IsNamedAsInput(const QMetaObject* type, int propertyIndex)
 } // namespace
 
 ZAXFeatPropertyBase::ZAXFeatPropertyBase(ZAXFeatObject* feature, int propertyIndex)
-    : d_ptr(new ZAXFeatPropertyBasePrivate{feature, propertyIndex, false})
+    : m_feature(feature), m_index(propertyIndex), m_isInput(false)
 {
 }
 
 ZAXFeatPropertyBase::ZAXFeatPropertyBase(ZAXFeatObject* feature, bool isInput)
-    : d_ptr(new ZAXFeatPropertyBasePrivate{feature, -1, isInput})
+    : m_feature(feature), m_index(-1), m_isInput(isInput)
 {
 }
 
@@ -32,26 +31,26 @@ ZAXFeatPropertyBase::~ZAXFeatPropertyBase() = default;
 
 ZAXFeatObject* ZAXFeatPropertyBase::GetFeature() const
 {
-    return d_ptr->feature;
+    return m_feature;
 }
 
 int ZAXFeatPropertyBase::GetPropertyIndex() const
 {
-    return d_ptr->index;
+    return m_index;
 }
 
 bool ZAXFeatPropertyBase::IsInputProperty() const
 {
     // Asked of the feature's own class at each call: a derived class may name more inputs than its base.
-    return d_ptr->isInput || IsNamedAsInput(d_ptr->feature->metaObject(), d_ptr->index);
+    return m_isInput || IsNamedAsInput(m_feature->metaObject(), m_index);
 }
 
 void ZAXFeatPropertyBase::BeginModify()
 {
-    ZAXFeatObjectPrivate::Get(*d_ptr->feature).BeginModify();
+    ZAXFeatObjectPrivate::Get(*m_feature).BeginModify();
 }
 
 void ZAXFeatPropertyBase::EndModify(bool)
 {
-    ZAXFeatObjectPrivate::Get(*d_ptr->feature).EndModify();
+    ZAXFeatObjectPrivate::Get(*m_feature).EndModify();
 }

@@ -2,18 +2,37 @@
 
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
+#include "ZAXFeatLoading.h"
 #include "ZAXFeatObjectPrivate.h"
 
 #include <QMetaProperty>
 
 ZAXFeatValuePropertyBase::ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex)
+    : ZAXFeatValuePropertyBase(feature, propertyIndex, nullptr)
+{
+}
+
+ZAXFeatValuePropertyBase::ZAXFeatValuePropertyBase(ZAXFeatObject* feature, int propertyIndex,
+                                                   const ZAXFeatValueAccess* access)
     : ZAXFeatPropertyBase(feature, propertyIndex)
 {
+    if (propertyIndex < 0 || !access)
+        return;
+    m_access = access;
+    m_next = std::exchange(ZAXFeatObjectPrivate::Get(*feature).valueProperties, this);
 }
 
 ZAXFeatValuePropertyBase::~ZAXFeatValuePropertyBase()
 {
-    ZAXFeatObjectPrivate::Get(*GetFeature()).initializations.removeOne(this);
+    auto& feature = ZAXFeatObjectPrivate::Get(*GetFeature());
+    feature.initializations.removeOne(this);
+    if (!m_access)
+        return;
+    // Most often it is the first one: properties go in the opposite order in which they came.
+    auto** link = &feature.valueProperties;
+    while (*link != this)
+        link = &(*link)->m_next;
+    *link = m_next;
 }
 
 bool ZAXFeatValuePropertyBase::HasLimits() const
@@ -46,10 +65,17 @@ bool ZAXFeatValuePropertyBase::GetMaxLimitInclusion() const
     return false;
 }
 
+void ZAXFeatValuePropertyBase::BeginValueModify()
+{
+    ZAXFeatObjectPrivate::Get(*GetFeature()).BeginModify(m_access ? this : nullptr);
+}
+
 void ZAXFeatValuePropertyBase::RequestInitialization()
 {
-    auto& requests = ZAXFeatObjectPrivate::Get(*GetFeature()).initializations;
-    if (!requests.contains(this))
+    auto& feature = ZAXFeatObjectPrivate::Get(*GetFeature());
+    auto& requests = feature.initializations;
+    // One that is re-created is never initialised.
+    if (!feature.isInitialized && !requests.contains(this))
         requests.append(this);
 }
 
@@ -67,5 +93,7 @@ void ZAXFeatValuePropertyBase::SetLastSavedValue(const QVariant& value)
     if (GetPropertyIndex() < 0 || (container && ZAXFeatContainerPrivate::Get(*container).isRestoring))
         return;
     const QMetaObject* const type = GetFeature()->metaObject();
+    if (ZAXFeatLoading::KeepBack(type, GetPropertyIndex(), value))
+        return;
     ZAXFeatLastSavedStore::GetCurrent().SetValue(type->className(), type->property(GetPropertyIndex()).name(), value);
 }

@@ -14,7 +14,14 @@ class ZAXGeoStreamDevice : public QBuffer
 {
 public:
     const QList<ZAXGeoGeometryRef>& GetReferences() const { return m_references; }
-    void SetReferences(const QList<ZAXGeoGeometryRef>& references) { m_references = references; }
+    void SetReferences(const QList<ZAXGeoGeometryRef>& references)
+    {
+        m_references = references;
+        m_places.clear();
+    }
+
+    /// seek() to what is there.
+    void MoveTo(qint64 position) { QIODevice::seek(position); }
 
     /// The place of \a reference in the table, counted from 1, where it is entered if need be; 0 for an invalid one.
     quint32 PlaceOf(const ZAXGeoGeometryRef& reference)

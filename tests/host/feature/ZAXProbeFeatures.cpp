@@ -184,7 +184,7 @@ void ZAXProbeObserver::EndStep()
         ZAXProbeJournal::Note(u"changed "_qs + changed);
 }
 
-void ZAXProbeObserver::AboutToChange(ZAXFeatObject* feature)
+void ZAXProbeObserver::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase*)
 {
     m_steps.last() = NameOf(feature);
     ZAXProbeJournal::Note(u"about to change "_qs + NameOf(feature));

@@ -160,7 +160,7 @@ public:
     ~ZAXProbeObserver() override;
     Q_DISABLE_COPY_MOVE(ZAXProbeObserver)
 
-    void AboutToChange(ZAXFeatObject* feature) override;
+    void AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePropertyBase* only) override;
     void BeginStep() override;
     void EndStep() override;
     void Placed(ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to) override;

@@ -18,6 +18,11 @@ private slots:
     void readsWhatItWrote();
     void readsItsPayloadAndTable();
     void endShowsInTheStatus();
+    void fieldsAreThoseOfTheDataStream_data();
+    void fieldsAreThoseOfTheDataStream();
+    void fieldsAndDataStreamTakeTurns();
+    void fieldsFollowTheSettingsOfTheDataStream();
+    void restartedStreamIsAsNew();
     void versionIsThisProgramsWithoutATable_data();
     void versionIsThisProgramsWithoutATable();
     void versionIsTheWritersWithATable();
@@ -89,6 +94,176 @@ void tst_ZAXGeoStream::endShowsInTheStatus()
     qint32 number = 7;
     stream >> number;
     QCOMPARE(stream.GetDataStream().status(), QDataStream::ReadPastEnd);
+}
+
+void tst_ZAXGeoStream::fieldsAreThoseOfTheDataStream_data()
+{
+    QTest::addColumn<QVariantList>("values");
+    QTest::newRow("flags") << QVariantList{true, false};
+    QTest::newRow("numbers") << QVariantList{0.1, -0.0, qInf(), 1e-320};
+    QTest::newRow("integers") << QVariantList{0, -1, 0x12345678};
+    QTest::newRow("texts") << QVariantList{QString(), QString(QLatin1String("")), QString(QLatin1String("a")),
+                                           QString::fromUtf8("ø€𝄞"), QString(40, u'x')};
+    QTest::newRow("long text") << QVariantList{QString(600000, u'y')};
+    QTest::newRow("bytes") << QVariantList{QByteArray(), QByteArray(""), QByteArray("ab"), QByteArray(3, '\0')};
+    QTest::newRow("long bytes") << QVariantList{QByteArray(1200000, 'z')};
+}
+
+namespace {
+
+/// Calls \a operation with \a value as what it is.
+template <typename Operation>
+void WithValue(const QVariant& value, const Operation& operation)
+{
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+        return operation(value.toBool());
+    case QMetaType::Int:
+        return operation(qint32(value.toInt()));
+    case QMetaType::Double:
+        return operation(value.toDouble());
+    case QMetaType::QString:
+        return operation(value.toString());
+    default:
+        return operation(value.toByteArray());
+    }
+}
+
+bool IsNull(const QString& text)
+{
+    return text.isNull();
+}
+
+bool IsNull(const QByteArray& bytes)
+{
+    return bytes.isNull();
+}
+
+template <typename T>
+bool IsNull(T)
+{
+    return false;
+}
+
+} // namespace
+
+void tst_ZAXGeoStream::fieldsAreThoseOfTheDataStream()
+{
+    QFETCH(QVariantList, values);
+    ZAXGeoStream fields(nullptr);
+    ZAXGeoStream plain(nullptr);
+    for (const QVariant& value : values) {
+        WithValue(value, [&](const auto& field) {
+            fields << field;
+            plain.GetDataStream() << field;
+        });
+    }
+    const QByteArray payload = plain.GetPayload();
+    QVERIFY(fields.GetPayload() == payload);
+
+    // Cut off anywhere, and with a byte too much.
+    const qsizetype step = qMax<qsizetype>(1, payload.size() / 100);
+    for (qsizetype size = payload.size() + 1; size >= 0; size -= step) {
+        const QByteArray cut = (payload + 'x').first(size);
+        ZAXGeoStream reader(nullptr, cut);
+        ZAXGeoStream plainReader(nullptr, cut);
+        for (const QVariant& value : values) {
+            WithValue(value, [&](auto field) {
+                auto plainField = field;
+                reader >> field;
+                plainReader.GetDataStream() >> plainField;
+                QVERIFY(field == plainField);
+                QCOMPARE(IsNull(field), IsNull(plainField));
+                QCOMPARE(reader.GetDataStream().status(), plainReader.GetDataStream().status());
+                QCOMPARE(reader.GetDataStream().device()->pos(), plainReader.GetDataStream().device()->pos());
+            });
+        }
+        QCOMPARE(reader.GetDataStream().atEnd(), plainReader.GetDataStream().atEnd());
+    }
+}
+
+void tst_ZAXGeoStream::fieldsAndDataStreamTakeTurns()
+{
+    ZAXGeoStream writer(nullptr);
+    QDataStream& written = writer.GetDataStream();
+    writer << true;
+    written << quint16(0x102);
+    writer << qint32(3);
+    QVERIFY(written.device()->seek(1));
+    writer << false;
+    written << quint8(4);
+    QCOMPARE(writer.GetPayload().toHex(), QByteArray("01000400000003"));
+
+    ZAXGeoStream reader(nullptr, writer.GetPayload());
+    QDataStream& read = reader.GetDataStream();
+    bool flag = false;
+    quint16 number = 0;
+    qint32 last = 0;
+    reader >> flag;
+    read >> number;
+    reader >> last;
+    QVERIFY(flag);
+    QCOMPARE(number, quint16(4));
+    QCOMPARE(last, 3);
+    QVERIFY(read.atEnd());
+    QVERIFY(read.device()->seek(3));
+    read.startTransaction();
+    reader >> last;
+    read.rollbackTransaction();
+    reader >> last;
+    QCOMPARE(last, 3);
+}
+
+void tst_ZAXGeoStream::fieldsFollowTheSettingsOfTheDataStream()
+{
+    ZAXGeoStream writer(nullptr);
+    writer.GetDataStream().setByteOrder(QDataStream::LittleEndian);
+    writer << qint32(1) << QStringLiteral("a");
+    writer.GetDataStream().setFloatingPointPrecision(QDataStream::SinglePrecision);
+    writer << 1.0;
+    writer.GetDataStream().setStatus(QDataStream::WriteFailed);
+    writer << true;
+    QCOMPARE(writer.GetPayload().toHex(' '), QByteArray("01 00 00 00 02 00 00 00 61 00 00 00 80 3f"));
+    ZAXGeoStream corrupt(nullptr, QByteArray::fromHex("0000000361000000"));
+    QString odd = QLatin1String("old");
+    corrupt >> odd;
+    QCOMPARE(corrupt.GetDataStream().status(), QDataStream::ReadCorruptData);
+    QCOMPARE(odd, QString());
+}
+
+void tst_ZAXGeoStream::restartedStreamIsAsNew()
+{
+    ZAXGeoStream writer(nullptr);
+    writer << QStringLiteral("first") << ZAXGeoGeometryRef::FromId(5);
+    writer.GetDataStream().setByteOrder(QDataStream::LittleEndian);
+    writer.GetDataStream().setVersion(QDataStream::Qt_5_0);
+    writer.GetDataStream().setStatus(QDataStream::WriteFailed);
+    writer.GetDataStream().setDevice(nullptr);
+    const QByteArray first = writer.GetPayload();
+    writer.Restart();
+    QVERIFY(writer.GetPayload().isEmpty());
+    QVERIFY(writer.GetReferences().isEmpty());
+    writer << qint32(7) << ZAXGeoGeometryRef::FromId(9) << ZAXGeoGeometryRef::FromId(5);
+    QCOMPARE(writer.GetPayload().toHex(), QByteArray("000000070000000100000002"));
+    QCOMPARE(writer.ViewPayload(), QByteArrayView(writer.GetPayload()));
+    QCOMPARE(writer.GetReferences(), (QList{ZAXGeoGeometryRef::FromId(9), ZAXGeoGeometryRef::FromId(5)}));
+    QCOMPARE(first.size(), 18);
+
+    ZAXGeoStream reader(nullptr, QByteArray("\1"), {});
+    reader.SetVersions({{"ZAXProbeGeometry", 2}});
+    qint32 number = 0;
+    reader >> number;
+    QCOMPARE(reader.GetDataStream().status(), QDataStream::ReadPastEnd);
+    reader.GetDataStream().device()->close();
+    reader.Restart(writer.GetPayload(), writer.GetReferences());
+    ZAXGeoGeometryRef reference;
+    reader >> number >> reference;
+    QCOMPARE(number, 7);
+    QCOMPARE(reference, ZAXGeoGeometryRef::FromId(9));
+    QCOMPARE(reader.GetVersion(&ZAXProbeGeometry::staticMetaObject), 2);
+    reader >> reference;
+    QVERIFY(reader.GetDataStream().atEnd());
+    QCOMPARE(reader.GetDataStream().status(), QDataStream::Ok);
 }
 
 void tst_ZAXGeoStream::versionIsThisProgramsWithoutATable_data()

@@ -680,7 +680,7 @@ void tst_undo::randomOperationsAreTakenBackAndDoneAgain()
         auto* const packaging = qobject_cast<ZAXMatPackaging*>(feature);
         // An extension that moves or is copied alone stands in no list; the repair of the list at undo is a change.
         const bool isListed = qobject_cast<TestExtension*>(feature);
-        switch (random.bounded(12)) {
+        switch (random.bounded(15)) {
         case 0:
         case 1:
             document->GetContainer()->CreateInstance("ZAXMatMaterial", root);
@@ -718,6 +718,18 @@ void tst_undo::randomOperationsAreTakenBackAndDoneAgain()
         case 10:
             if (feature != root && !isListed && features.size() < 60)
                 ZAXHostDuplicator::Duplicate(feature);
+            break;
+        case 11:
+            if (material)
+                material->SetComment(QString::number(random.bounded(3)));
+            break;
+        case 12:
+            if (material)
+                material->SetNestingColor(QColor(random.bounded(3), 0, 0));
+            break;
+        case 13:
+            if (packaging)
+                packaging->SetForm(ZAXMatPackaging::GetAllForms().at(random.bounded(2)));
             break;
         default:
             feature->SetVisibility(random.bounded(2));
