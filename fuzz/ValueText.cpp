@@ -12,6 +12,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <optional>
