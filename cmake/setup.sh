@@ -1,4 +1,4 @@
-# Sourced by the scripts beside the sources, run.sh and its like: installs what a bare Debian 12 lacks, or says what to install.
+# Sourced by run.sh and the scripts beside it: installs what a bare Debian 12 lacks, or says what to install.
 
 zax_packages="g++ cmake ninja-build qt6-base-dev zlib1g-dev libcli11-dev libcsv-dev rapidjson-dev"
 zax_test_packages="locales qt6-l10n-tools"
