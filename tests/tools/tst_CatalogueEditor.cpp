@@ -13,6 +13,8 @@
 #include <QTest>
 #include <QThread>
 
+#include <sys/stat.h>
+
 using namespace zaxmat;
 
 /// What becomes of edits of a catalogue when somebody else changes its file meanwhile.
@@ -25,6 +27,7 @@ private slots:
     void otherRecordsAreMerged();
     void conflictsAreRefused_data();
     void conflictsAreRefused();
+    void aConflictDoesNotTouchTheFile();
     void theSameChangeIsNoConflict();
     void theSameRemovalIsNoConflict();
     void anotherSpellingOfTheFileIsNoChange();
@@ -198,6 +201,26 @@ void tst_CatalogueEditor::conflictsAreRefused()
                  "\" was changed by somebody else meanwhile, and so were the same records. Nothing was written:\n" +
                  lines + "\nLook at them, and try again.");
     QCOMPARE(Workshop::Read(workshop.CatalogueFile()), theirs);
+}
+
+void tst_CatalogueEditor::aConflictDoesNotTouchTheFile()
+{
+    const Workshop workshop;
+    workshop.WriteCatalogue({A("0")});
+    struct stat before = {};
+    const QByteArray path = QFile::encodeName(workshop.CatalogueFile());
+    CatalogueEditor editor(OptionsOf(workshop), Quiet(), CatalogueEditor::MissingFile::Refuse, [&] {
+        Workshop::Write(workshop.CatalogueFile(), Text({A("theirs")}));
+        QCOMPARE(stat(path.constData(), &before), 0);
+    });
+    editor.SetRecord(Record(A("ours")));
+    QVERIFY(MessageOf([&] { editor.Commit(); }, ExitCode::FileChanged).contains("theirs"));
+    // Whoever is killed between exchanging and taking that back would leave the wrong one.
+    struct stat after = {};
+    QCOMPARE(stat(path.constData(), &after), 0);
+    QCOMPARE(after.st_ino, before.st_ino);
+    QCOMPARE(after.st_ctim.tv_sec, before.st_ctim.tv_sec);
+    QCOMPARE(after.st_ctim.tv_nsec, before.st_ctim.tv_nsec);
 }
 
 void tst_CatalogueEditor::theSameChangeIsNoConflict()

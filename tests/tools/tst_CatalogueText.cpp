@@ -20,6 +20,10 @@ private slots:
     void whatStandsAroundRecordsStays();
     void otherTextsAreWrittenAnew_data();
     void otherTextsAreWrittenAnew();
+    void whatWouldBeLostIsRefused_data();
+    void whatWouldBeLostIsRefused();
+    void namesBeyondLatin1Stay();
+    void lineBreaksStay();
     void wrongPlacesAreRefused();
 };
 
@@ -159,7 +163,7 @@ void tst_CatalogueText::otherTextsAreWrittenAnew_data()
     const QByteArray a = R"({"type":0,"key":"a","name":"A","properties":{}})";
     const QByteArray b = R"({"type":1,"key":"b","materialKey":"a","name":"B","properties":{"":{"cost":1e2}}})";
     QTest::newRow("byte order mark") << "\xEF\xBB\xBF{\"a\":" + a + "}";
-    QTest::newRow("exponents") << "{\"a\":" + a + ",\"b\":" + b + "}";
+    QTest::newRow("large exponents") << "{\"a\":" + a + ",\"b\":" + QByteArray(b).replace("1e2", "1e200") + "}";
     QTest::newRow("other names") << "{\"x\":" + a + ",\"y\":" + b + "}";
     QTest::newRow("another order") << "{\"b\":" + b + ",\"a\":" + a + "}";
     QTest::newRow("what is no record") << "{\"a\":" + a + ",\"b\":7}";
@@ -170,6 +174,58 @@ void tst_CatalogueText::otherTextsAreWrittenAnew()
     QFETCH(QByteArray, text);
     const RecordEdit edit{Definition(Material("a", "A", {})), Definition(Material("a", "New", {}))};
     QCOMPARE(EditedCatalogue("x", text, {edit}), QJsonDocument(Edited(Parsed(text), {edit})).toJson());
+}
+
+void tst_CatalogueText::whatWouldBeLostIsRefused_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("message");
+    const QByteArray b = R"({"type":0,"key":"b","name":"B","properties":{}})";
+    const auto a = [](const QByteArray& properties) {
+        return R"({"type":0,"key":"a","name":"A","properties":)" + properties + "}";
+    };
+    const auto usual = [&](const QByteArray& record) { return "{\"a\":" + record + ",\n\"b\":" + b + "}"; };
+    const auto unusual = [&](const QByteArray& record) { return "{\"b\":" + b + ",\n\"a\":" + record + "}"; };
+    const QByteArray twice = a(R"({"":{"x":1,"x":2}})");
+    const QByteArray half = a(R"({"":{"comment":"\ud800","x":1,"x":2}})");
+    QTest::newRow("twice") << usual(twice) << "holds \"x\" twice (line 1, column 61)";
+    QTest::newRow("twice, written anew") << unusual(twice) << "holds \"x\" twice (line 2, column 60)";
+    QTest::newRow("half a pair, written anew")
+        << unusual(half) << "cannot be changed without loss: a text holds the number of no character (line 2, ";
+    QTest::newRow("a list of properties") << usual(a("[1, 2]")) << "The record \"a\" holds something other than values";
+    QTest::newRow("a list of values") << usual(a(R"({"":{},"X":[7]})"))
+                                      << "The record \"a\" holds something other than values";
+}
+
+void tst_CatalogueText::whatWouldBeLostIsRefused()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QString, message);
+    const RecordEdit edit{Definition(Material("a", "A", {})), Definition(Material("a", "New", {}))};
+    try {
+        EditedCatalogue("x", text, {edit});
+        QFAIL("It was written.");
+    } catch (const Failure& failure) {
+        QVERIFY2(failure.GetMessage().contains(message), qUtf8Printable(failure.GetMessage()));
+    }
+}
+
+void tst_CatalogueText::namesBeyondLatin1Stay()
+{
+    const QByteArray text =
+        R"({"a":{"key":"a","materialKey":"","name":"A","properties":{"":{"Ψ":2,"Ωmega":1}},"type":0}})";
+    const ZAXMatDefinition before = Definition(Parsed(text)["a"].toObject());
+    ZAXMatDefinition after = before;
+    after.SetName("B");
+    QCOMPARE(EditedCatalogue("x", text, {{before, after}}), QByteArray(text).replace("\"A\"", "\"B\""));
+}
+
+void tst_CatalogueText::lineBreaksStay()
+{
+    const QByteArray text = QJsonDocument(QJsonObject{{"a", RecordOf("a", 0, 1)}, {"b", RecordOf("b", 0, 2)}}).toJson();
+    const RecordEdit edit{Definition(RecordOf("a", 0, 1)), Definition(RecordOf("a", 0, 3))};
+    QCOMPARE(EditedCatalogue("x", QByteArray(text).replace("\n", "\r\n"), {edit}),
+             EditedCatalogue("x", text, {edit}).replace("\n", "\r\n"));
 }
 
 void tst_CatalogueText::wrongPlacesAreRefused()

@@ -34,6 +34,10 @@ void tst_RecordScan::recordsAreFound_data()
 {
     QTest::addColumn<QByteArray>("text");
     QTest::newRow("two") << usual;
+    QTest::newRow("small exponents") << QByteArray(R"({"k":{"key":"k","a":1e-07,"b":-2.5E+99,"type":0}})");
+    QTest::newRow("control characters") << QByteArray(R"({"k":{"key":"k","a":"\u0001\u001f","type":0}})");
+    QTest::newRow("line breaks of others")
+        << QByteArray(usual).replace("\n", "\r\n").replace("\"type\": 0", "\"type\": 0\t");
     QTest::newRow("none") << QByteArray("{}");
     QTest::newRow("with spaces") << QByteArray(" { \"k\" :\t{ \"key\" : \"k\" , \"type\" : 1 } } \r\n");
     QTest::newRow("compact") << QJsonDocument::fromJson(usual).toJson(QJsonDocument::Compact);
@@ -76,7 +80,10 @@ void tst_RecordScan::unusualTextsAreLeftToTheParser_data()
     row("a type of two digits", R"({"k":{"key":"k","type":01}})");
     row("the key twice", R"({"k":{"key":"k","key":"k","type":0}})");
     row("no record", R"({"k":5})");
-    row("an exponent", R"({"k":{"key":"k","a":1e999,"type":0}})");
+    row("a large exponent", R"({"k":{"key":"k","a":1e100,"type":0}})");
+    row("no exponent", R"({"k":{"key":"k","a":1e,"type":0}})");
+    row("the number of a letter", R"({"k":{"key":"k","a":"\u0041","type":0}})");
+    row("the number of no character", R"({"k":{"key":"k","a":"\u001","type":0}})");
     row("a long number", R"({"k":{"key":"k","a":)" + QByteArray(50, '1') + R"(,"type":0}})");
     row("a leading zero", R"({"k":{"key":"k","a":01,"type":0}})");
     row("no digits", R"({"k":{"key":"k","a":-,"type":0}})");

@@ -197,7 +197,7 @@ void tst_ZaxmatEdit::setRefusesValues_data()
                                        << invalid + "length: \"1,250\" is ambiguous; write 1250 or 1.25.";
     QTest::newRow("perhaps thousands with a unit")
         << "steel-2-small"
-        << "length=1,000 mm" << 1 << invalid + "length: \"1,000 mm\" is ambiguous; write 1000 or 1.0.";
+        << "length=1,000 mm" << 1 << invalid + "length: \"1,000 mm\" is ambiguous; write 1000 mm or 1.0 mm.";
     QTest::newRow("no enumerator") << "steel-2-small"
                                    << "form=Round" << 1 << invalid + "form: \"Round\" is none of Rectangular, Roll.";
     QTest::newRow("no boolean") << "steel-2-small"

@@ -176,6 +176,8 @@ void tst_ZaxmatImport::exportFailsWhereItCannotWrite()
     QCOMPARE(run.out, "");
     QVERIFY2(run.err.contains("cannot be written"), qUtf8Printable(run.err));
     QCOMPARE(run.code, 3);
+    const Run device = workshop.ZaxmatThrough("\"$@\" | cat; exit 0", {"export", "/dev/stdout"});
+    QCOMPARE(device.err, "zaxmat: \"/dev/stdout\" is no file. Name a file.\n");
     Workshop::Write(workshop.Path("out.csv"), "old");
     QCOMPARE(workshop.ZaxmatThrough(Workshop::onFullDisk, {"export", workshop.Path("out.csv")}).code, 3);
     QCOMPARE(Workshop::Read(workshop.Path("out.csv")), "old");
@@ -460,7 +462,7 @@ void tst_ZaxmatImport::leavesAloneWhatItMatchesBy()
     const Workshop workshop;
     workshop.WriteCatalogue(SmallCatalogue());
     const Run run =
-        Import(workshop, "name,thickness,density\nStructural steel,2.0000000005,8\n", {"--match", "name,thickness"});
+        Import(workshop, "name,thickness,density\nStructural steel,2.0000000005,8\n", {"--match", "name, thickness"});
     QCOMPARE(run.out, "Rows added: 0, changed: 1, unchanged: 0, rejected: 0\n");
     QCOMPARE(ValueIn(workshop, "steel-2", "thickness"), QJsonValue(2));
     QCOMPARE(ValueIn(workshop, "steel-2", "density"), QJsonValue(8));
@@ -680,6 +682,7 @@ void tst_ZaxmatImport::refusesTitles_data()
     };
     row("unknown property", "key,thicknes", "key", "Similar: thickness");
     row("unknown extension", "key,Gas.pressure", "key", "No module provides the extension \"Gas\"");
+    row("unknown property with a unit", "key,Thickness [mm]", "key", "Similar: thickness");
     row("unit of a text", "key,comment [mm]", "key", "\"comment\" has no unit");
     row("unknown unit", "key,thickness [parsec]", "key", "\"parsec\" is no unit of \"thickness\"");
     row("unit of another quantity", "key,thickness [kg/m³]", "key", "is no unit of \"thickness\"");

@@ -214,7 +214,7 @@ void tst_ZaxmatOutput::longWorkIsToldOnATerminal()
     process.start("sh", QStringList{"-c", script, "sh", QStringLiteral(ZAXMAT_PROGRAM), "set", "steel-2", "comment=x"} +
                             options);
     // It waits for the lock.
-    QVERIFY(!process.waitForFinished(1500));
+    QVERIFY(!process.waitForFinished(3000));
     lock.unlock();
     QVERIFY(process.waitForFinished());
     const QString text = QString::fromUtf8(process.readAll());

@@ -138,7 +138,7 @@ CommitResult CatalogueEditor::Commit()
     // Whoever writes without a lock may do so while this is writing: then it begins anew.
     constexpr int tries = 10;
     for (int i = 0; i < tries; ++i) {
-        // Whether that is what was read is looked at when it is replaced.
+        // Whether the file still holds what was read is looked at just before it is replaced.
         const auto present = i == 0 ? m_isNew ? std::nullopt : std::optional(m_bytes) : ReadPresent();
         result.isMerged = present.has_value() && (m_isNew || *present != m_bytes);
         if (TryCommit(changes, present, result.isMerged)) {

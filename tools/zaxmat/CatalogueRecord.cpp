@@ -1,8 +1,12 @@
 #include "CatalogueRecord.h"
 
+#include "Failure.h"
 #include "RecordDifference.h"
+#include "Text.h"
 
 #include "ZAXSysValue.h"
+
+#include <algorithm>
 
 namespace zaxmat {
 
@@ -24,14 +28,43 @@ void RemoveUndefined(const ZAXMatDefinition& record, const QByteArray& extension
     }
 }
 
+/// What \a property, which holds \a value, is called in \a table. Names beyond Latin-1, which records do not know, read
+/// alike; the one that holds the value is meant.
+QString NameIn(const QJsonObject& table, const QByteArray& property, const QVariant& value)
+{
+    const QString name = QString::fromLatin1(property);
+    if (table.contains(name) || !property.contains('?'))
+        return name;
+    QStringList alike = table.keys();
+    alike.removeIf([&](const QString& each) { return each.toLatin1() != property; });
+    const auto holder = std::ranges::find_if(
+        alike, [&](const QString& each) { return IsSameValue(table.value(each).toVariant(), value); });
+    return holder != alike.end() ? *holder : alike.value(0, name);
+}
+
+/// \throws Failure when \a previous, the record \a key, holds something under "properties" that no record has.
+void RequireValues(const QJsonObject& previous, const QByteArray& key)
+{
+    const QJsonValue properties = previous.value(propertiesMember);
+    const QJsonObject extensions = properties.toObject();
+    const bool isRight = properties.isUndefined() ||
+                         (properties.isObject() &&
+                          std::ranges::all_of(extensions, [](const QJsonValue& table) { return table.isObject(); }));
+    if (!isRight)
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The record %1 holds something other than values, which writing it would lose. Nothing "
+                               "was written. \"zaxmat check\" tells more.")
+                          .arg(Quoted(QString::fromLatin1(key))));
+}
+
 QJsonObject TableToJson(const ZAXMatDefinition& record, const QByteArray& extension, const QJsonObject& previous)
 {
     QJsonObject table = previous;
     RemoveUndefined(record, extension, table);
     const QList<QByteArray> properties = record.GetDefinedProperties(extension);
     for (const QByteArray& property : properties) {
-        const QString name = QString::fromLatin1(property);
         const QVariant value = record.GetValue(property, extension);
+        const QString name = NameIn(previous, property, value);
         if (!table.contains(name) || !IsSameValue(table.value(name).toVariant(), value))
             table.insert(name, QJsonValue::fromVariant(value));
     }
@@ -94,6 +127,7 @@ std::optional<double> LengthOf(const QJsonValue& value)
 
 QJsonObject RecordToJson(const ZAXMatDefinition& record, const QJsonObject& previous)
 {
+    RequireValues(previous, record.GetKey());
     QJsonObject object = previous;
     SetKey(object, keyMember, record.GetKey());
     SetKey(object, materialKeyMember, record.GetMaterialKey());

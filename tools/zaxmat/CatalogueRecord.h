@@ -47,6 +47,7 @@ std::optional<double> LengthOf(const QJsonValue& value);
 /// \a record written over \a previous, the same record as it stood in the file before: what the two have in common
 /// keeps its form to the letter, and so does what a record does not know of. Unlike ZAXMatDefinition::ToJson(), letters
 /// beyond ASCII in keys and in names of properties come out as they are read.
+/// \throws Failure (FileFailure) when \a previous holds properties that are no values, and would be lost.
 QJsonObject RecordToJson(const ZAXMatDefinition& record, const QJsonObject& previous = {});
 
 } // namespace zaxmat

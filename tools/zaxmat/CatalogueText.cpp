@@ -20,14 +20,23 @@ namespace zaxmat {
 namespace {
 
 /// Of members with the same name only the last one is read, and only that would be written again.
-/// \throws Failure (FileFailure) when \a part, a JSON value in the text \a bytes, has some.
+/// \throws Failure (FileFailure) when \a part, a JSON value in the text \a bytes, has some, or holds what only Qt takes
+/// for JSON, so that nobody can tell.
 void RequireNothingTwice(const QString& path, const QByteArray& bytes, QByteArrayView part)
 {
     const QByteArray value = QByteArray::fromRawData(part.data(), part.size());
     if (!MayRepeatMembers(value))
         return;
     const JsonText text = ParseJsonText(value);
-    const JsonMember* const repeated = text.error ? nullptr : FindRepeatedMember(text.root);
+    if (text.error) {
+        const TextPosition position = TextPositions(bytes).At(part.data() - bytes.data() + text.error->offset);
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The catalogue %1 cannot be changed without loss: %2 (line %3, column %4). Nothing was "
+                               "written. \"zaxmat check\" tells more.")
+                          .arg(QuotedPath(path), text.error->message, QString::number(position.line),
+                               QString::number(position.column)));
+    }
+    const JsonMember* const repeated = FindRepeatedMember(text.root);
     if (!repeated)
         return;
     const TextPosition position = TextPositions(bytes).At(part.data() - bytes.data() + repeated->nameBegin);
@@ -87,8 +96,9 @@ private:
         const QByteArrayView model = previous.isEmpty() && !m_places.empty() ? m_places.front().text : previous;
         if (!model.isEmpty() && !model.contains('\n'))
             return document.toJson(QJsonDocument::Compact);
-        // As deep as the records stand.
-        return document.toJson(QJsonDocument::Indented).trimmed().replace("\n", "\n    ");
+        // As deep as the records stand, and with the line breaks of the file.
+        const QByteArrayView lineBreak = model.contains("\r\n") ? "\r\n    " : "\n    ";
+        return document.toJson(QJsonDocument::Indented).trimmed().replace(QByteArrayView("\n"), lineBreak);
     }
 
     /// The text when all records stay where they are.

@@ -46,6 +46,9 @@ int CautiousFileSystem::Rename(const QByteArray& from, const QByteArray& to)
         m_beforeReplacing();
     if (!m_expected)
         return RenameToNothing(from, to);
+    // Before anything is touched: only what happens from here on has to be taken back.
+    if (ContentsOf(to) != m_expected)
+        return Refuse();
     if (RenameWith(RENAME_EXCHANGE, from, to) != 0) {
         if (IsUnsupported(errno))
             return CompareAndRename(from, to);

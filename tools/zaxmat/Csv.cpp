@@ -66,6 +66,11 @@ char SeparatorOf(QByteArrayView titles)
     return found != separators.end() ? *found : ',';
 }
 
+bool IsBlank(QByteArrayView line)
+{
+    return line.trimmed().isEmpty();
+}
+
 /// The separator that a line "sep=;" tells.
 std::optional<char> SeparatorToldBy(QByteArrayView line)
 {
@@ -169,8 +174,9 @@ CsvTable ReadCsv(const QByteArray& bytes)
     RequireUtf8(lines);
     CsvTable table;
     const auto told = lines.isEmpty() ? std::nullopt : SeparatorToldBy(lines.first());
-    if (!lines.isEmpty())
-        table.separator = told.value_or(SeparatorOf(lines.first()));
+    const auto titles = std::ranges::find_if_not(lines, IsBlank);
+    if (titles != lines.end())
+        table.separator = told.value_or(SeparatorOf(*titles));
     Parser parser(table);
     for (qsizetype i = 0; i < lines.size(); ++i)
         parser.Parse(told && i == 0 ? QByteArrayView("\n") : lines[i]);

@@ -110,6 +110,10 @@ CsvColumn ColumnOf(const QString& title)
         return column;
     column.unit = trimmed.sliced(bracket + 1).chopped(1).trimmed();
     const auto quantity = QuantityNamed(column.name);
+    // Says what there is, unless there is such a property.
+    if (!quantity &&
+        !FindProperty(ClassOf(ZAXMatDefinition::Packaging, column.name.extension), column.name.property).isValid())
+        RequireProperty(ZAXMatDefinition::Material, column.name);
     if (!quantity)
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 has no unit, so that none can stand in brackets behind it.").arg(Quoted(field)));

@@ -38,6 +38,11 @@ bool IsLocked(const QString& path)
         .getLockInfo(&process, &host, &application);
 }
 
+bool CanBeLocked(const QString& path)
+{
+    return QFileInfo(QFileInfo(ZAXHostFileSaver::TargetOf(path)).absolutePath()).isWritable();
+}
+
 bool IsSame(const ZAXHostDocument& a, const ZAXHostDocument& b)
 {
     return a.Encode() == b.Encode();
@@ -90,7 +95,7 @@ bool OpenDocumentForChange(ZAXHostDocument& document, const QString& path, ZAXHo
     while (OpenDocument(document, path, damage, output)) {
         const QString reason = document.GetReadOnlyReason();
         withoutLock = IsLocked(path) ? 0 : withoutLock + 1;
-        if (reason.isEmpty() || withoutLock == mostWithoutLock)
+        if (reason.isEmpty() || withoutLock == mostWithoutLock || !CanBeLocked(path))
             return true;
         // Many may wait, and each gets its turn as long as those before it come to an end.
         if (reason != holder) {
@@ -99,10 +104,12 @@ bool OpenDocumentForChange(ZAXHostDocument& document, const QString& path, ZAXHo
             waiting.reset();
             waiting.emplace(output, Text::tr("waiting: %1").arg(Printable(holder)));
         }
-        if (deadline.hasExpired())
-            return true;
-        // Not all that wait at the same time.
-        QThread::usleep(1000 + QRandomGenerator::global()->bounded(9000));
+        do {
+            if (deadline.hasExpired())
+                return true;
+            // Not all that wait at the same time.
+            QThread::usleep(1000 + QRandomGenerator::global()->bounded(9000));
+        } while (IsLocked(path));
     }
     return false;
 }

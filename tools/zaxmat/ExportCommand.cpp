@@ -144,6 +144,9 @@ void RequireOtherFile(const QString& path, const Catalogue& catalogue)
     if (QFileInfo(target) == QFileInfo(ZAXHostFileSaver::TargetOf(catalogue.GetFilePath())))
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 is the catalogue itself. Name another file.").arg(QuotedPath(path)));
+    // A device or a pipe might never end, and would be replaced.
+    if (QFileInfo::exists(target) && !QFileInfo(target).isFile())
+        throw Failure(ExitCode::WrongUsage, Text::tr("%1 is no file. Name a file.").arg(QuotedPath(path)));
     if (IsPrecious(target))
         throw Failure(ExitCode::WrongUsage,
                       Text::tr("%1 is a catalogue or a document. Name another file.").arg(QuotedPath(path)));

@@ -38,7 +38,8 @@ QString HolderText(const QByteArray& lockPath)
     if (lines.size() < 3 || lines[0].isEmpty())
         return Text::tr("another program");
     return Text::tr("process %1 (%2) on %3")
-        .arg(QString::fromUtf8(lines[0]), QString::fromUtf8(lines[1]), QString::fromUtf8(lines[2]));
+        .arg(Printable(QString::fromUtf8(lines[0])), Printable(QString::fromUtf8(lines[1])),
+             Printable(QString::fromUtf8(lines[2])));
 }
 
 /// Whether \a file is still the one that \a path names.
@@ -69,7 +70,7 @@ FileLock::FileLock(const QString& path, const Output& output, qint64 timeout)
         if (const QString current = HolderText(m_lockPath); current != holder) {
             holder = current;
             waiting.reset();
-            waiting.emplace(output, Text::tr("waiting for %1").arg(Printable(holder)));
+            waiting.emplace(output, Text::tr("waiting for %1").arg(holder));
             deadline.setRemainingTime(timeout);
         }
         if (deadline.hasExpired()) {
@@ -93,11 +94,12 @@ FileLock::~FileLock()
 bool FileLock::TryLock()
 {
     m_file = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    const int error = errno;
     // A file that a process of somebody else left behind can be locked, though not be written.
-    if (m_file < 0 && errno == EACCES)
+    if (m_file < 0 && error == EACCES)
         m_file = open(m_lockPath.constData(), O_RDONLY | O_CLOEXEC);
     if (m_file < 0)
-        throw CannotLock(m_lockPath, errno);
+        throw CannotLock(m_lockPath, error);
     // Somebody who gave the lock back may have removed the file since it was opened.
     if (flock(m_file, LOCK_EX | LOCK_NB) != 0 || !IsInPlace(m_file, m_lockPath)) {
         close(m_file);

@@ -131,7 +131,8 @@ void ImportPlan::ReadMatch(const QStringList& match)
 {
     if (match.isEmpty() || match == QStringList{QLatin1String("key")})
         return;
-    for (const QString& name : match) {
+    for (const QString& given : match) {
+        const QString name = given.trimmed();
         const auto found = std::ranges::find(m_columns, name, &CsvColumn::field);
         if (found == m_columns.end())
             throw Failure(ExitCode::WrongUsage,

@@ -2,6 +2,8 @@
 
 #include "Output.h"
 
+#include <sys/ioctl.h>
+
 namespace zaxmat {
 
 namespace {
@@ -11,6 +13,14 @@ using namespace std::chrono_literals;
 /// Until the line appears, and from one rewriting to the next.
 constexpr auto firstTime = 1s;
 constexpr auto interval = 100ms;
+
+/// The columns of the terminal.
+qsizetype WidthOf(std::FILE* stream)
+{
+    constexpr qsizetype usual = 80;
+    winsize size = {};
+    return ioctl(fileno(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 1 ? size.ws_col : usual;
+}
 
 void PrintOver(std::FILE* stream, const QString& line)
 {
@@ -64,7 +74,8 @@ void ProgressLine::Run()
     std::unique_lock guard(m_mutex);
     while (!m_stopped.wait_for(guard, pause, [this] { return m_isStopped; })) {
         pause = interval;
-        const QString text = Text();
+        // A line that wraps could not be rewritten.
+        const QString text = Text().left(WidthOf(m_stream) - 1);
         width = qMax(width, text.size());
         // A shorter text covers a longer one.
         PrintOver(m_stream, text.leftJustified(width));

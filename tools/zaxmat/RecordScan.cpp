@@ -130,7 +130,7 @@ private:
         const char digit = Peek();
         Require(digit == '0' || digit == '1');
         ++m_at;
-        Require(Peek() == ',' || Peek() == '}' || Peek() == '\n' || Peek() == ' ');
+        Require(IsBehindValue(Peek()));
         return digit == '0';
     }
 
@@ -199,7 +199,20 @@ private:
     void SkipEscape()
     {
         ++m_at;
+        if (Peek() == 'u')
+            return SkipControlCharacter();
         Require(QByteArrayView("\"\\/bfnrt").contains(Peek()));
+        ++m_at;
+    }
+
+    /// The number of a control character. Others could be written as they are, and be looked for like that.
+    void SkipControlCharacter()
+    {
+        ++m_at;
+        Require(m_end - m_at >= 4 && QByteArrayView(m_at, 2) == QByteArrayView("00") &&
+                (m_at[2] == '0' || m_at[2] == '1'));
+        m_at += 3;
+        Require(IsDigit(*m_at) || (*m_at >= 'a' && *m_at <= 'f'));
         ++m_at;
     }
 
@@ -231,9 +244,21 @@ private:
 
     static bool IsDigit(char byte) { return byte >= '0' && byte <= '9'; }
 
+    static bool IsBehindValue(char byte) { return QByteArrayView(",}] \n\r\t").contains(byte); }
+
+    void SkipExponent()
+    {
+        ++m_at;
+        if (Peek() == '-' || Peek() == '+')
+            ++m_at;
+        const char* const begin = m_at;
+        SkipDigits();
+        Require(m_at - begin <= 2);
+    }
+
     void SkipNumber()
     {
-        // Nothing with an exponent, which might be too large.
+        // With more digits, also in its exponent, the number might be too large.
         constexpr qsizetype longest = 40;
         const char* const begin = m_at;
         if (Peek() == '-')
@@ -246,9 +271,9 @@ private:
             ++m_at;
             SkipDigits();
         }
-        const char next = Peek();
-        Require(m_at - begin < longest &&
-                (next == ',' || next == '}' || next == ']' || next == ' ' || next == '\n' || next == '\r'));
+        if (Peek() == 'e' || Peek() == 'E')
+            SkipExponent();
+        Require(m_at - begin < longest && IsBehindValue(Peek()));
     }
 
     const char* m_at;

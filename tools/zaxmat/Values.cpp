@@ -190,8 +190,9 @@ QString AmbiguityOf(const QString& text, DecimalComma comma)
         decimals.chop(1);
     // With three digits again it would be no clearer.
     const QString padding = decimals.size() == 3 ? QString(u'0') : QString();
+    const QString unit = text.trimmed().sliced(match.capturedLength());
     return Text::tr("is ambiguous; write %1 or %2.")
-        .arg(parts.join(QString()), parts.constFirst() + sign + decimals + padding);
+        .arg(parts.join(QString()) + unit, parts.constFirst() + sign + decimals + padding + unit);
 }
 
 std::optional<bool> ReadBoolean(const QString& text)
@@ -298,9 +299,10 @@ QVariant ParseValueLike(const QVariant& present, const PropertyName& name, const
     }
     if (!IsMissing(present))
         throw InvalidValue(name, text, Text::tr("cannot be set: the catalogue holds a list or an object there."));
-    RequireUnambiguous(name, text, reading);
-    if (const auto number = ReadNumber(text, reading))
+    if (const auto number = ReadNumber(text, reading)) {
+        RequireUnambiguous(name, text, reading);
         return *number;
+    }
     const auto boolean = ReadBoolean(text);
     return boolean ? QVariant(*boolean) : QVariant(text);
 }
