@@ -1,6 +1,5 @@
 #include "Catalogue.h"
 
-#include "RecordScan.h"
 #include "Records.h"
 
 #include "ZAXMatJsonFileProvider.h"
@@ -41,10 +40,10 @@ Catalogue::Catalogue(const QString& path, const QJsonObject& root) : m_filePath(
 
 bool Catalogue::TakeScanned()
 {
-    const auto places = ScanRecords(m_bytes);
-    if (!places)
+    m_places = ScanRecords(m_bytes);
+    if (!m_places)
         return false;
-    for (const RecordPlace& place : *places) {
+    for (const RecordPlace& place : *m_places) {
         Records& records = place.isMaterial ? m_materials : m_stockForms;
         records.Append(Shared(place.text), Shared(place.key), Shared(place.materialKey));
     }

@@ -3,6 +3,7 @@
 
 #include "CatalogueFile.h"
 #include "CatalogueRecord.h"
+#include "RecordScan.h"
 
 #include "ZAXMatDefinition.h"
 
@@ -12,6 +13,9 @@
 #include <QList>
 #include <QMultiHash>
 #include <QString>
+
+#include <optional>
+#include <vector>
 
 namespace zaxmat {
 
@@ -29,6 +33,9 @@ public:
     Catalogue(const QString& path, const QByteArray& bytes);
     /// The catalogue \a root, read from the file \a path.
     Catalogue(const QString& path, const QJsonObject& root);
+
+    /// Where the records stand in the text that the catalogue was made of; nothing unless they could be scanned.
+    const std::optional<std::vector<RecordPlace>>& GetPlaces() const { return m_places; }
 
     /// The path of the materials.json.
     QString GetFilePath() const { return m_filePath; }
@@ -94,6 +101,7 @@ private:
 
     QString m_filePath;
     QByteArray m_bytes;
+    std::optional<std::vector<RecordPlace>> m_places;
     Records m_materials;
     Records m_stockForms;
 };

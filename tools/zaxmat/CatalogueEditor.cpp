@@ -157,7 +157,9 @@ bool CatalogueEditor::TryCommit(const QList<RecordEdit>& changes, const std::opt
 {
     if (isMerged)
         RequireNoConflict(changes, *present);
-    const QByteArray text = EditedCatalogue(m_path, present.value_or("{}"), changes);
+    const bool isAsRead = present && !isMerged;
+    const QByteArray text = isAsRead ? EditedCatalogue(m_path, m_bytes, changes, m_catalogue.GetPlaces())
+                                     : EditedCatalogue(m_path, present.value_or("{}"), changes);
     CautiousFileSystem system(present, text, std::exchange(m_beforeReplacing, {}));
     const ZAXHostResult saved = ZAXHostFileSaver::Save(m_path, text, system);
     if (system.HasFoundChange())

@@ -65,8 +65,10 @@ QJsonObject TableToJson(const ZAXMatDefinition& record, const QByteArray& extens
     for (const QByteArray& property : properties) {
         const QVariant value = record.GetValue(property, extension);
         const QString name = NameIn(previous, property, value);
-        if (!table.contains(name) || !IsSameValue(table.value(name).toVariant(), value))
-            table.insert(name, QJsonValue::fromVariant(value));
+        const QJsonValue present = table.value(name);
+        const QJsonValue now = QJsonValue::fromVariant(value);
+        if (present != now || present.isUndefined())
+            table.insert(name, now);
     }
     return table;
 }

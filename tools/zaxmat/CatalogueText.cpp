@@ -4,7 +4,6 @@
 #include "CatalogueRecord.h"
 #include "Failure.h"
 #include "JsonText.h"
-#include "RecordScan.h"
 #include "Text.h"
 
 #include <QJsonDocument>
@@ -12,8 +11,6 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
-#include <vector>
 
 namespace zaxmat {
 
@@ -177,12 +174,10 @@ private:
     bool m_hasOthers = false;
 };
 
-std::optional<QByteArray> Spliced(const QString& path, const QByteArray& bytes, const QList<RecordEdit>& edits)
+std::optional<QByteArray> Spliced(const QString& path, const QByteArray& bytes, const QList<RecordEdit>& edits,
+                                  const std::vector<RecordPlace>& places)
 {
-    const auto places = ScanRecords(bytes);
-    if (!places)
-        return std::nullopt;
-    Splice splice(path, bytes, *places);
+    Splice splice(path, bytes, places);
     if (!std::ranges::all_of(edits, [&](const RecordEdit& edit) { return splice.Add(edit); }))
         return std::nullopt;
     return splice.GetText();
@@ -192,7 +187,13 @@ std::optional<QByteArray> Spliced(const QString& path, const QByteArray& bytes, 
 
 QByteArray EditedCatalogue(const QString& path, const QByteArray& bytes, const QList<RecordEdit>& edits)
 {
-    if (auto text = Spliced(path, bytes, edits))
+    return EditedCatalogue(path, bytes, edits, ScanRecords(bytes));
+}
+
+QByteArray EditedCatalogue(const QString& path, const QByteArray& bytes, const QList<RecordEdit>& edits,
+                           const std::optional<std::vector<RecordPlace>>& places)
+{
+    if (auto text = places ? Spliced(path, bytes, edits, *places) : std::nullopt)
         return *text;
     const QJsonObject root = ParseCatalogue(path, bytes);
     RequireNothingTwice(path, bytes, bytes);
