@@ -10,13 +10,24 @@
 #include <QMetaProperty>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 #include <utility>
 
 namespace {
 
 Q_LOGGING_CATEGORY(logLoading, "zax.feature")
 
-thread_local ZAXFeatLoading* outermost = nullptr;
+/// The thread that is loading; another one that loads at the same time keeps nothing back. Not a variable of each
+/// thread: a library that may be unloaded had better have none.
+std::atomic<std::thread::id> loadingThread;
+/// What that thread began with. No other thread looks at it.
+ZAXFeatLoading* outermostLoading = nullptr;
+
+ZAXFeatLoading* Outermost()
+{
+    return loadingThread == std::this_thread::get_id() ? outermostLoading : nullptr;
+}
 
 /// Whether every value of the type \a from converts to \a to.
 bool AlwaysConverts(QMetaType from, QMetaType to)
@@ -40,21 +51,23 @@ bool ZAXFeatPropertySignals::IsUnheard(const ZAXFeatObject* feature, int index)
 ZAXFeatLoading::ZAXFeatLoading(ZAXFeatContainer& container) : m_container(container)
 {
     ZAXFeatContainerPrivate::Get(container).loading = this;
-    if (!outermost)
-        outermost = this;
+    std::thread::id none;
+    if (loadingThread.compare_exchange_strong(none, std::this_thread::get_id()))
+        outermostLoading = this;
 }
 
 ZAXFeatLoading::~ZAXFeatLoading()
 {
     ZAXFeatContainerPrivate::Get(m_container).loading = nullptr;
-    if (outermost != this)
+    if (Outermost() != this)
         return;
     try {
         Flush();
     } catch (const std::exception& exception) {
         qCWarning(logLoading, "The values for new features are not remembered: %s", exception.what());
     }
-    outermost = nullptr;
+    outermostLoading = nullptr;
+    loadingThread = std::thread::id();
 }
 
 ZAXFeatLoading::Property& ZAXFeatLoading::Find(const QMetaObject* type, int index)
@@ -89,6 +102,7 @@ bool ZAXFeatLoading::IsUnheard(const ZAXFeatObject* feature, int index)
 
 bool ZAXFeatLoading::KeepBack(const QMetaObject* type, int index, const QVariant& value)
 {
+    ZAXFeatLoading* const outermost = Outermost();
     if (!outermost)
         return false;
     Property& property = outermost->Find(type, index);
@@ -99,6 +113,7 @@ bool ZAXFeatLoading::KeepBack(const QMetaObject* type, int index, const QVariant
 
 void ZAXFeatLoading::Flush()
 {
+    ZAXFeatLoading* const outermost = Outermost();
     if (!outermost || outermost->m_order == 0)
         return;
     outermost->m_order = 0;
