@@ -89,13 +89,9 @@ bool OpenDocumentForChange(ZAXHostDocument& document, const QString& path, ZAXHo
     QDeadlineTimer deadline(patience);
     QString holder;
     std::optional<Progress> waiting;
-    // One who has just given the document back leaves none to be seen.
-    constexpr int mostWithoutLock = 20;
-    int withoutLock = 0;
     while (OpenDocument(document, path, damage, output)) {
         const QString reason = document.GetReadOnlyReason();
-        withoutLock = IsLocked(path) ? 0 : withoutLock + 1;
-        if (reason.isEmpty() || withoutLock == mostWithoutLock || !CanBeLocked(path))
+        if (reason.isEmpty() || !CanBeLocked(path))
             return true;
         // Many may wait, and each gets its turn as long as those before it come to an end.
         if (reason != holder) {
