@@ -101,7 +101,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int way = input.Byte();
     using DecimalComma = zaxmat::ValueReading::DecimalComma;
     constexpr std::array commas{DecimalComma::Accepted, DecimalComma::Refused, DecimalComma::Usual};
-    const zaxmat::ValueReading reading{commas.at((way >> 2) % commas.size()), (way & 2) != 0 ? QLatin1String("in") : QString()};
+    const zaxmat::ValueReading reading{commas.at((way >> 2) % commas.size()),
+                                       (way & 2) != 0 ? QLatin1String("in") : QString()};
     const QString text = QString::fromUtf8(input.Rest());
 
     CheckQuantity(ZAXSysQuantity::Length, text);

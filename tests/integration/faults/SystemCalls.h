@@ -3,8 +3,8 @@
 
 #include <functional>
 
-/// Stands between this program and the system's files. As long as anything is planned for them, calls that read or write
-/// take a thousand bytes at most.
+/// Stands between this program and the system's files. As long as anything is planned for them, calls that read or
+/// write take a thousand bytes at most.
 namespace SystemCalls {
 
 enum Call
