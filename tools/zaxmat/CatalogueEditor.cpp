@@ -135,16 +135,17 @@ CommitResult CatalogueEditor::Commit()
     if (changes.isEmpty())
         return result;
     const Progress progress(m_output, Text::tr("writing %1").arg(QuotedPath(m_path)));
-    // Whoever writes without a lock may do so while this is writing: then it begins anew.
+    // Whether the file still holds what was read is looked at just before it is replaced. Whoever writes without a lock
+    // may have done so, or do so meanwhile: then it begins anew.
+    auto present = m_isNew ? std::nullopt : std::optional(m_bytes);
     constexpr int tries = 10;
     for (int i = 0; i < tries; ++i) {
-        // Whether the file still holds what was read is looked at just before it is replaced.
-        const auto present = i == 0 ? m_isNew ? std::nullopt : std::optional(m_bytes) : ReadPresent();
         result.isMerged = present.has_value() && (m_isNew || *present != m_bytes);
         if (TryCommit(changes, present, result.isMerged)) {
             result.isWritten = true;
             return result;
         }
+        present = ReadPresent();
     }
     throw Failure(ExitCode::FileChanged,
                   Text::tr("The catalogue %1 is changed by somebody else again and again. Nothing was written; try "
