@@ -7,7 +7,7 @@
 #include "Text.h"
 #include "Values.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -38,11 +38,11 @@ ExitCode RunAdd(const AddOptions& options, Output& output)
 
 void AddAddCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand(
-        "add", Utf8(Text::tr("Adds a material, or a stock form of a material, to a catalogue.")));
+    CLI::App* const command = DeclareCommand(
+        program, QLatin1String("add"), Text::tr("Adds a material, or a stock form of a material, to a catalogue."));
     const auto options = std::make_shared<AddOptions>();
     AddText(*command, QLatin1String("NAME"), QString(), Text::tr("The name of the new record."), options->name)
-        ->required();
+        .Required();
     AddTexts(*command, QLatin1String("PROPERTY=VALUE"), QString(),
              Text::tr("What the record has: \"thickness=0.5 in\", \"Extension.property=value\"."), options->settings);
     AddText(*command, QLatin1String("--material"), Text::tr("MATERIAL"),
@@ -54,7 +54,8 @@ void AddAddCommand(CLI::App& program, Action& chosen)
                                        "density=8.8"));
     AddExample(*command, QLatin1String("zaxmat add \"Sheet 600 x 1000\" --material CuSn8 length=1000 width=600 "
                                        "cost=210.5 isActive=yes"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunAdd(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunAdd(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -13,9 +13,8 @@
 
 #include <QFileInfo>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace zaxmat {
@@ -111,15 +110,16 @@ ExitCode RunCheck(const CheckOptions& options, Output& output)
 void AddCheckCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("check", Utf8(Text::tr("Looks for mistakes in a catalogue, and mends some.")));
+        DeclareCommand(program, QLatin1String("check"), Text::tr("Looks for mistakes in a catalogue, and mends some."));
     const auto options = std::make_shared<CheckOptions>();
     AddCatalogueOptions(*command, options->catalogue);
-    command->add_flag("--fix", options->isFixing,
-                      Utf8(Text::tr("Mends what can be mended without losing anything, after keeping a copy of the "
-                                    "file beside it. Nothing else is changed.")));
+    AddFlag(*command, QLatin1String("--fix"),
+            Text::tr("Mends what can be mended without losing anything, after keeping a copy of the "
+                     "file beside it. Nothing else is changed."),
+            options->isFixing);
     AddExample(*command, QLatin1String("zaxmat check --catalogue examples/catalogue"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunCheck(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunCheck(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -6,7 +6,7 @@
 #include "Text.h"
 #include "Values.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -45,18 +45,19 @@ ExitCode RunCopy(const CopyOptions& options, Output& output)
 
 void AddCopyCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("copy", Utf8(Text::tr("Copies a material with its stock forms, or a stock form.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("copy"),
+                                             Text::tr("Copies a material with its stock forms, or a stock form."));
     const auto options = std::make_shared<CopyOptions>();
     AddRecordArgument(*command, options->request);
     AddText(*command, QLatin1String("NEW-NAME"), QString(),
             Text::tr("The name of the copy, which gets a key of its own."), options->name)
-        ->required();
+        .Required();
     AddTexts(*command, QLatin1String("PROPERTY=VALUE"), QString(),
              Text::tr("What the copy has other than the original: thickness=3."), options->settings);
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat copy CuSn8 \"Bronze CuSn6\" materialType=CuSn6"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunCopy(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunCopy(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -8,9 +8,8 @@
 
 #include <QFileInfo>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
+#include <memory>
 
 namespace zaxmat {
 
@@ -58,15 +57,16 @@ ExitCode RunDiff(const DiffOptions& options, Output& output)
 
 void AddDiffCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("diff", Utf8(Text::tr("Compares two catalogues, record by record and field by field.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("diff"),
+                                             Text::tr("Compares two catalogues, record by record and field by field."));
     const auto options = std::make_shared<DiffOptions>();
     AddText(*command, QLatin1String("A"), QString(),
             Text::tr("The one catalogue: its folder, or a file like its materials.json."), options->before)
-        ->required();
-    AddText(*command, QLatin1String("B"), QString(), Text::tr("The other catalogue."), options->after)->required();
+        .Required();
+    AddText(*command, QLatin1String("B"), QString(), Text::tr("The other catalogue."), options->after).Required();
     AddExample(*command, QLatin1String("zaxmat diff examples/catalogue examples/catalogue"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunDiff(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunDiff(*options, output); }; });
 }
 
 } // namespace zaxmat

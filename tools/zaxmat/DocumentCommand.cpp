@@ -9,14 +9,12 @@
 #include "DocumentValidateCommand.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
-
 namespace zaxmat {
 
 void AddDocumentCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("document", Utf8(Text::tr("Shows and changes the objects of a document.")));
+        DeclareCommand(program, QLatin1String("document"), Text::tr("Shows and changes the objects of a document."));
     // Before the footer, which commands below would take over.
     AddDocumentTreeCommand(*command, chosen);
     AddDocumentShowCommand(*command, chosen);
@@ -25,13 +23,16 @@ void AddDocumentCommand(CLI::App& program, Action& chosen)
     AddDocumentRemoveCommand(*command, chosen);
     AddDocumentValidateCommand(*command, chosen);
     AddDocumentStoreCommand(*command, chosen);
-    command->footer(Utf8(Text::tr(
-        "An object is named by its number in the tree (@12), by its name, label or catalogue key, by a path of names "
-        "that ends with it (\"Structural steel - 2 mm/Sheet large\"), an extension by its class, or a material by its "
-        "type.\n\n"
-        "A damaged document is read as far as it can be, and the exit code is 3 then; it is changed only with "
-        "--accept-damage. Objects that need a module which is not there stay as they are.\n\n"
-        "\"zaxmat document COMMAND --help\" explains a command.")));
+    SetFooter(
+        *command,
+        Text::tr("An object is named by its number in the tree (@12), by its name, label or catalogue key, by a path "
+                 "of names "
+                 "that ends with it (\"Structural steel - 2 mm/Sheet large\"), an extension by its class, or a "
+                 "material by its "
+                 "type.\n\n"
+                 "A damaged document is read as far as it can be, and the exit code is 3 then; it is changed only with "
+                 "--accept-damage. Objects that need a module which is not there stay as they are.\n\n"
+                 "\"zaxmat document COMMAND --help\" explains a command."));
     AddExample(*command, QLatin1String("zaxmat document tree job.zaxdoc"));
 }
 

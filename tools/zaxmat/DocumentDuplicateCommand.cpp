@@ -13,7 +13,7 @@
 #include "ZAXHostDuplicator.h"
 #include "ZAXHostTransaction.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -62,18 +62,19 @@ ExitCode RunDocumentDuplicate(const DocumentDuplicateOptions& options, Output& o
 
 void AddDocumentDuplicateCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand(
-        "duplicate", Utf8(Text::tr("Copies an object of a document, with all below it, behind it.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("duplicate"),
+                                             Text::tr("Copies an object of a document, with all below it, behind it."));
     const auto options = std::make_shared<DocumentDuplicateOptions>();
     AddChangedDocumentArgument(*command, options->document);
     AddObjectArgument(*command, options->object);
     AddTexts(*command, QLatin1String("PROPERTY=VALUE"), QString(),
              Text::tr("What is to be different in the copy, as \"zaxmat document set\" takes it."), options->settings);
-    command->footer(Utf8(Text::tr("The copy of a material gets an ID of its own, and is no longer linked to the "
-                                  "catalogue.")));
+    SetFooter(*command, Text::tr("The copy of a material gets an ID of its own, and is no longer linked to the "
+                                 "catalogue."));
     AddExample(*command, QLatin1String("zaxmat document duplicate job.zaxdoc S235JR thickness=3 label=Offcut"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentDuplicate(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentDuplicate(*options, output); };
+    });
 }
 
 } // namespace zaxmat

@@ -9,9 +9,9 @@
 #include "ZAXFeatObject.h"
 #include "ZAXHostTransaction.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QStringList>
+
+#include <memory>
 
 namespace zaxmat {
 
@@ -83,17 +83,19 @@ ExitCode RunDocumentRemove(const DocumentRemoveOptions& options, Output& output)
 
 void AddDocumentRemoveCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand("remove", Utf8(Text::tr("Removes objects of a document.")));
+    CLI::App* const command =
+        DeclareCommand(program, QLatin1String("remove"), Text::tr("Removes objects of a document."));
     const auto options = std::make_shared<DocumentRemoveOptions>();
     AddChangedDocumentArgument(*command, options->document);
     AddTexts(*command, QLatin1String("OBJECT"), QString(),
              Text::tr("The objects; \"zaxmat document --help\" says how."), options->objects)
-        ->required();
+        .Required();
     AddFlag(*command, QLatin1String("--yes"), Text::tr("Removes what is below the objects too."), options->isConfirmed);
     AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc \"Offcut - 3 mm/Sheet 1250 x 2500\""));
     AddExample(*command, QLatin1String("zaxmat document remove job.zaxdoc \"Offcut - 3 mm\" --yes"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentRemove(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentRemove(*options, output); };
+    });
 }
 
 } // namespace zaxmat

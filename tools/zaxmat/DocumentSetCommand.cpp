@@ -9,7 +9,7 @@
 
 #include "ZAXHostTransaction.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -41,7 +41,7 @@ ExitCode RunDocumentSet(const DocumentSetOptions& options, Output& output)
 void AddDocumentSetCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("set", Utf8(Text::tr("Changes values of an object of a document.")));
+        DeclareCommand(program, QLatin1String("set"), Text::tr("Changes values of an object of a document."));
     const auto options = std::make_shared<DocumentSetOptions>();
     AddChangedDocumentArgument(*command, options->document);
     AddObjectArgument(*command, options->object);
@@ -50,12 +50,12 @@ void AddDocumentSetCommand(CLI::App& program, Action& chosen)
         Text::tr("What the object gets: \"thickness=0.5 in\", \"label=Offcut\", or \"Class.property=value\" for an "
                  "extension. All of them or none."),
         options->settings)
-        ->required();
+        .Required();
     AddExample(*command, QLatin1String("zaxmat document set job.zaxdoc S235JR density=7.87 \"comment=As delivered\""));
     AddExample(*command,
                QLatin1String("zaxmat document set job.zaxdoc \"Sheet 1250 x 2500\" \"width=48 in\" isActive=yes"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentSet(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunDocumentSet(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -9,7 +9,7 @@
 #include "ZAXFeatObject.h"
 #include "ZAXHostPlaceholder.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -53,14 +53,15 @@ ExitCode RunDocumentShow(const DocumentShowOptions& options, Output& output)
 void AddDocumentShowCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("show", Utf8(Text::tr("Shows what an object of a document holds.")));
+        DeclareCommand(program, QLatin1String("show"), Text::tr("Shows what an object of a document holds."));
     const auto options = std::make_shared<DocumentShowOptions>();
     AddDocumentArgument(*command, options->document);
     AddObjectArgument(*command, options->object);
     AddExample(*command, QLatin1String("zaxmat document show job.zaxdoc S235JR"));
     AddExample(*command, QLatin1String("zaxmat document show job.zaxdoc @1 --format json"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentShow(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentShow(*options, output); };
+    });
 }
 
 } // namespace zaxmat

@@ -16,8 +16,7 @@
 #include "ZAXMatMaterial.h"
 #include "ZAXMatPackaging.h"
 
-#include <CLI/CLI.hpp>
-
+#include <memory>
 #include <optional>
 
 namespace zaxmat {
@@ -200,26 +199,27 @@ ExitCode RunDocumentStore(const DocumentStoreOptions& options, Output& output)
 
 void AddDocumentStoreCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand(
-        "store", Utf8(Text::tr("Writes a material of a document to a catalogue, as a new or a changed record.")));
+    CLI::App* const command =
+        DeclareCommand(program, QLatin1String("store"),
+                       Text::tr("Writes a material of a document to a catalogue, as a new or a changed record."));
     const auto options = std::make_shared<DocumentStoreOptions>();
     AddChangedDocumentArgument(*command, options->document);
     AddText(*command, QLatin1String("MATERIAL"), QString(),
             Text::tr("The material; \"zaxmat document --help\" says how."), options->material)
-        ->required();
+        .Required();
     AddFlag(*command, QLatin1String("--stock-forms"), Text::tr("Stores its stock forms too."), options->hasStockForms);
-    CLI::Option* const record = AddText(
+    const DeclaredOption record = AddText(
         *command, QLatin1String("--record"), Text::tr("NAME|KEY"),
         Text::tr("The record to change. Default: the one that the material came from, if it still has that thickness."),
         options->record);
-    AddFlag(*command, QLatin1String("--new"), Text::tr("Adds a record in any case."), options->isNew)->excludes(record);
+    AddFlag(*command, QLatin1String("--new"), Text::tr("Adds a record in any case."), options->isNew).Excludes(record);
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(
-        Utf8(Text::tr("Lengths and densities are stored as plain numbers. Records that the catalogue has of "
-                      "other stock forms stay.")));
+    SetFooter(*command, Text::tr("Lengths and densities are stored as plain numbers. Records that the catalogue has of "
+                                 "other stock forms stay."));
     AddExample(*command, QLatin1String("zaxmat document store job.zaxdoc S235JR --stock-forms"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentStore(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentStore(*options, output); };
+    });
 }
 
 } // namespace zaxmat

@@ -9,9 +9,9 @@
 #include "ZAXFeatContainer.h"
 #include "ZAXHostPlaceholder.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QJsonArray>
+
+#include <memory>
 
 namespace zaxmat {
 
@@ -74,14 +74,15 @@ ExitCode RunDocumentTree(const DocumentTreeOptions& options, Output& output)
 
 void AddDocumentTreeCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("tree", Utf8(Text::tr("Shows all objects of a document, with their numbers.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("tree"),
+                                             Text::tr("Shows all objects of a document, with their numbers."));
     const auto options = std::make_shared<DocumentTreeOptions>();
     AddDocumentArgument(*command, options->document);
     AddExample(*command, QLatin1String("zaxmat document tree job.zaxdoc"));
     AddExample(*command, QLatin1String("zaxmat document tree job.zaxdoc --unit in"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentTree(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentTree(*options, output); };
+    });
 }
 
 } // namespace zaxmat

@@ -7,7 +7,7 @@
 
 #include "ZAXFeatObject.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -76,14 +76,16 @@ ExitCode RunDocumentValidate(const DocumentValidateOptions& options, Output& out
 
 void AddDocumentValidateCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand(
-        "validate", Utf8(Text::tr("Checks the values of all objects of a document. The exit code is 1 when one is "
-                                  "invalid.")));
+    CLI::App* const command =
+        DeclareCommand(program, QLatin1String("validate"),
+                       Text::tr("Checks the values of all objects of a document. The exit code is 1 when one is "
+                                "invalid."));
     const auto options = std::make_shared<DocumentValidateOptions>();
     AddDocumentArgument(*command, options->document);
     AddExample(*command, QLatin1String("zaxmat document validate job.zaxdoc"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunDocumentValidate(*options, output); }; });
+    WhenChosen(*command, [options, &chosen] {
+        chosen = [options](Output& output) { return RunDocumentValidate(*options, output); };
+    });
 }
 
 } // namespace zaxmat

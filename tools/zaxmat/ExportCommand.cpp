@@ -15,9 +15,8 @@
 #include <QFileInfo>
 #include <QMultiHash>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
+#include <memory>
 #include <set>
 
 namespace zaxmat {
@@ -171,17 +170,17 @@ ExitCode RunExport(const ExportOptions& options, Output& output)
 
 void AddExportCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("export", Utf8(Text::tr("Writes a catalogue into a CSV file, for \"import\".")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("export"),
+                                             Text::tr("Writes a catalogue into a CSV file, for \"import\"."));
     const auto options = std::make_shared<ExportOptions>();
     AddText(*command, QLatin1String("FILE"), QString(),
             Text::tr("The CSV file to write. One that is there is replaced, but no catalogue and no document."),
             options->file)
-        ->required();
+        .Required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat export prices.csv --catalogue examples/catalogue"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunExport(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunExport(*options, output); }; });
 }
 
 } // namespace zaxmat

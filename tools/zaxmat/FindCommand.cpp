@@ -7,10 +7,9 @@
 #include "Records.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 namespace zaxmat {
 
@@ -116,7 +115,7 @@ ExitCode RunFind(const FindOptions& options, Output& output)
 void AddFindCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("find", Utf8(Text::tr("Finds materials and stock forms by their values.")));
+        DeclareCommand(program, QLatin1String("find"), Text::tr("Finds materials and stock forms by their values."));
     const auto options = std::make_shared<FindOptions>();
     AddTexts(*command, QLatin1String("PROPERTY=VALUE"), QString(),
              Text::tr("What a record must have: \"thickness=2 mm\", a range as in thickness=1..3 or cost=..50, a text "
@@ -129,7 +128,8 @@ void AddFindCommand(CLI::App& program, Action& chosen)
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat find thickness=2mm materialType=S235JR"));
     AddExample(*command, QLatin1String("zaxmat find thickness=1..3 \"name=*steel*\" --format csv"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunFind(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunFind(*options, output); }; });
 }
 
 } // namespace zaxmat

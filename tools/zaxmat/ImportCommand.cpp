@@ -15,9 +15,8 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
+#include <memory>
 
 namespace zaxmat {
 
@@ -225,8 +224,8 @@ ExitCode RunImport(const ImportOptions& options, Output& output)
 
 void AddImportCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("import", Utf8(Text::tr("Adds and changes materials and stock forms from a CSV file.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("import"),
+                                             Text::tr("Adds and changes materials and stock forms from a CSV file."));
     const auto options = std::make_shared<ImportOptions>();
     AddText(
         *command, QLatin1String("FILE"), QString(),
@@ -234,23 +233,24 @@ void AddImportCommand(CLI::App& program, Action& chosen)
                  "\"name\", \"material\" (of a stock form: the key or name of its material), and properties as in "
                  "\"thickness [mm]\" and \"Extension.property\". An empty cell leaves a value as it is."),
         options->file)
-        ->required();
+        .Required();
     AddTexts(*command, QLatin1String("--match"), Text::tr("COLUMN,..."),
              Text::tr("The columns by which rows are matched with records, such as name,thickness. Stock forms are "
                       "looked for in their material. Default: key."),
              options->match)
-        ->delimiter(',')
-        ->allow_extra_args(false);
-    command->add_flag("--dry-run", options->isDryRun,
-                      Utf8(Text::tr("Shows what would become of each row, and writes "
-                                    "nothing.")));
-    command->add_flag("--partial", options->isPartial,
-                      Utf8(Text::tr("Imports the other rows when some are rejected. Otherwise nothing is written "
-                                    "then.")));
+        .SeparatedBy(u',');
+    AddFlag(*command, QLatin1String("--dry-run"),
+            Text::tr("Shows what would become of each row, and writes "
+                     "nothing."),
+            options->isDryRun);
+    AddFlag(*command, QLatin1String("--partial"),
+            Text::tr("Imports the other rows when some are rejected. Otherwise nothing is written "
+                     "then."),
+            options->isPartial);
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat import prices.csv --dry-run --catalogue examples/catalogue"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunImport(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunImport(*options, output); }; });
 }
 
 } // namespace zaxmat

@@ -8,9 +8,8 @@
 
 #include "ZAXMatMaterial.h"
 
-#include <CLI/CLI.hpp>
-
 #include <array>
+#include <memory>
 #include <numeric>
 
 namespace zaxmat {
@@ -69,11 +68,13 @@ ExitCode RunList(const ListOptions& options, Output& output)
 
 void AddListCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand("list", Utf8(Text::tr("Lists the materials of a catalogue.")));
+    CLI::App* const command =
+        DeclareCommand(program, QLatin1String("list"), Text::tr("Lists the materials of a catalogue."));
     const auto options = std::make_shared<ListOptions>();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat list --catalogue examples/catalogue"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunList(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunList(*options, output); }; });
 }
 
 } // namespace zaxmat

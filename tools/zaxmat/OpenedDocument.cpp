@@ -6,8 +6,6 @@
 #include "Output.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QFile>
 #include <QJsonObject>
 #include <QStringList>
@@ -44,7 +42,7 @@ QByteArray BytesOf(const QString& path)
 
 void AddDocumentArgument(CLI::App& command, DocumentOptions& target)
 {
-    AddText(command, QLatin1String("FILE"), QString(), Text::tr("The document."), target.file)->required();
+    AddText(command, QLatin1String("FILE"), QString(), Text::tr("The document."), target.file).Required();
 }
 
 void AddChangedDocumentArgument(CLI::App& command, DocumentOptions& target)
@@ -60,7 +58,7 @@ void AddObjectArgument(CLI::App& command, QString& target)
 {
     AddText(command, QLatin1String("OBJECT"), QString(), Text::tr("The object; \"zaxmat document --help\" says how."),
             target)
-        ->required();
+        .Required();
 }
 
 OpenedDocument::OpenedDocument(const DocumentOptions& options, Purpose purpose, const Output& output)

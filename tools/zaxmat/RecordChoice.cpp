@@ -5,8 +5,6 @@
 #include "Records.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
-
 namespace zaxmat {
 
 namespace {
@@ -74,7 +72,7 @@ void AddRecordArgument(CLI::App& command, RecordRequest& target)
 {
     AddText(command, QLatin1String("NAME|KEY"), QString(),
             Text::tr("The name, key or type of a material, or the name or key of a stock form."), target.record)
-        ->required();
+        .Required();
     AddText(
         command, QLatin1String("--material"), Text::tr("MATERIAL"),
         Text::tr("The name, key or type of the material whose stock form is meant, where several materials have one "

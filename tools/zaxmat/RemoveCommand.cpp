@@ -6,7 +6,7 @@
 #include "Records.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -31,16 +31,16 @@ ExitCode RunRemove(const RemoveOptions& options, Output& output)
 
 void AddRemoveCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("remove", Utf8(Text::tr("Removes a material with its stock forms, or a stock form.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("remove"),
+                                             Text::tr("Removes a material with its stock forms, or a stock form."));
     const auto options = std::make_shared<RemoveOptions>();
     AddRecordArgument(*command, options->request);
     AddFlag(*command, QLatin1String("--yes"), Text::tr("Removes a material that has stock forms, too."),
             options->isConfirmed);
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat remove CuSn6 --yes"));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunRemove(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunRemove(*options, output); }; });
 }
 
 } // namespace zaxmat

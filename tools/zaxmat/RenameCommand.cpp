@@ -4,7 +4,7 @@
 #include "EditReport.h"
 #include "Text.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -21,15 +21,15 @@ ExitCode RunRename(const RenameOptions& options, Output& output)
 void AddRenameCommand(CLI::App& program, Action& chosen)
 {
     CLI::App* const command =
-        program.add_subcommand("rename", Utf8(Text::tr("Gives a material or a stock form another name.")));
+        DeclareCommand(program, QLatin1String("rename"), Text::tr("Gives a material or a stock form another name."));
     const auto options = std::make_shared<RenameOptions>();
     AddRecordArgument(*command, options->request);
     AddText(*command, QLatin1String("NEW-NAME"), QString(), Text::tr("The new name. The key stays."), options->name)
-        ->required();
+        .Required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat rename CuSn8 \"Tin bronze CuSn8\""));
-    command->callback(
-        [options, &chosen] { chosen = [options](Output& output) { return RunRename(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunRename(*options, output); }; });
 }
 
 } // namespace zaxmat

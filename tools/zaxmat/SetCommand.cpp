@@ -5,7 +5,7 @@
 #include "Text.h"
 #include "Values.h"
 
-#include <CLI/CLI.hpp>
+#include <memory>
 
 namespace zaxmat {
 
@@ -21,8 +21,8 @@ ExitCode RunSet(const SetOptions& options, Output& output)
 
 void AddSetCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("set", Utf8(Text::tr("Changes values of a material or a stock form of a catalogue.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("set"),
+                                             Text::tr("Changes values of a material or a stock form of a catalogue."));
     const auto options = std::make_shared<SetOptions>();
     AddRecordArgument(*command, options->request);
     AddTexts(
@@ -30,10 +30,11 @@ void AddSetCommand(CLI::App& program, Action& chosen)
         Text::tr("What the record gets: \"thickness=0.5 in\", \"Extension.property=value\"; \"comment=\" takes the "
                  "comment away. All of them or none."),
         options->settings)
-        ->required();
+        .Required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat set CuSn8 density=8.83 \"comment=CW453K\""));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunSet(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunSet(*options, output); }; });
 }
 
 } // namespace zaxmat

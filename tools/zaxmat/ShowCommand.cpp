@@ -10,13 +10,12 @@
 
 #include "ZAXMatPackaging.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QJsonArray>
 #include <QJsonObject>
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace zaxmat {
@@ -218,17 +217,18 @@ ExitCode RunShow(const ShowOptions& options, Output& output)
 
 void AddShowCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command =
-        program.add_subcommand("show", Utf8(Text::tr("Shows a material with its stock forms, or a stock form.")));
+    CLI::App* const command = DeclareCommand(program, QLatin1String("show"),
+                                             Text::tr("Shows a material with its stock forms, or a stock form."));
     const auto options = std::make_shared<ShowOptions>();
     AddText(*command, QLatin1String("NAME|KEY"), QString(),
             Text::tr("The name, key or type of a material, or the name or key of a stock form. All that match are "
                      "shown."),
             options->record)
-        ->required();
+        .Required();
     AddCatalogueOptions(*command, options->catalogue);
     AddExample(*command, QLatin1String("zaxmat show S235JR --catalogue examples/catalogue"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunShow(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunShow(*options, output); }; });
 }
 
 } // namespace zaxmat

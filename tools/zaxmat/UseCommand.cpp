@@ -16,9 +16,9 @@
 #include "ZAXMatMaterial.h"
 #include "ZAXMatPackaging.h"
 
-#include <CLI/CLI.hpp>
-
 #include <QJsonObject>
+
+#include <memory>
 
 namespace zaxmat {
 
@@ -162,15 +162,15 @@ ExitCode RunUse(const UseOptions& options, Output& output)
 
 void AddUseCommand(CLI::App& program, Action& chosen)
 {
-    CLI::App* const command = program.add_subcommand(
-        "use", Utf8(Text::tr("Takes a material of a catalogue, with stock forms, into a document.")));
+    CLI::App* const command = DeclareCommand(
+        program, QLatin1String("use"), Text::tr("Takes a material of a catalogue, with stock forms, into a document."));
     const auto options = std::make_shared<UseOptions>();
     AddText(*command, QLatin1String("MATERIAL"), QString(), Text::tr("The name, key or type of the material."),
             options->request.material)
-        ->required();
+        .Required();
     AddText(*command, QLatin1String("--document"), Text::tr("FILE"),
             Text::tr("The document; a file that does not exist is made."), options->document)
-        ->required();
+        .Required();
     AddText(*command, QLatin1String("--thickness"), Text::tr("MM"),
             Text::tr("The thickness, where several materials have the name or type: 2, \"2 mm\", \"0.5 in\"."),
             options->request.thickness);
@@ -180,10 +180,11 @@ void AddUseCommand(CLI::App& program, Action& chosen)
                  "catalogue marks active."),
         options->request.stockForms);
     AddCatalogueOptions(*command, options->catalogue);
-    command->footer(Utf8(Text::tr("What the document has already is found, not made again.")));
+    SetFooter(*command, Text::tr("What the document has already is found, not made again."));
     AddExample(*command, QLatin1String("zaxmat use --document job.zaxdoc S235JR --thickness 2 "
                                        "--packaging \"Sheet 1250 x 2500\" --catalogue examples/catalogue"));
-    command->callback([options, &chosen] { chosen = [options](Output& output) { return RunUse(*options, output); }; });
+    WhenChosen(*command,
+               [options, &chosen] { chosen = [options](Output& output) { return RunUse(*options, output); }; });
 }
 
 } // namespace zaxmat
