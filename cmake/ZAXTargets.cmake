@@ -25,12 +25,22 @@ if(ZAX_SANITIZE)
     target_compile_options(ZAXFlags INTERFACE "-fsanitize=${ZAX_SANITIZE}" -fno-omit-frame-pointer
                                               -fno-sanitize-recover=all)
     target_link_options(ZAXFlags INTERFACE "-fsanitize=${ZAX_SANITIZE}")
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        target_compile_options(ZAXFlags INTERFACE "-fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/tests/sanitizers.ignore")
+    endif()
 endif()
 
-# zax_add_library(<name> SOURCES <file>... [PUBLIC <target>...] [PRIVATE <target>...])
+# zax_compile_at_once(<target> [<file>...])
+# Does what ZAX_UNITY asks for, but for the files, whose own names are also those of other sources.
+function(zax_compile_at_once target)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${ZAX_UNITY} UNITY_BUILD_BATCH_SIZE 12)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+# zax_add_library(<name> SOURCES <file>... [ALONE <file>...] [PUBLIC <target>...] [PRIVATE <target>...])
 # A shared library lib<name>.so known to everyone as ZAX::<name without its ZAX prefix>.
 function(zax_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;ALONE;PUBLIC;PRIVATE")
     string(REGEX REPLACE "^ZAX" "" short "${name}")
     string(TOUPPER "${name}" upper)
     add_library(${name} SHARED ${arg_SOURCES})
@@ -39,6 +49,7 @@ function(zax_add_library name)
                                              VERSION "${PROJECT_VERSION}" SOVERSION "${PROJECT_VERSION_MAJOR}")
     target_link_libraries(${name} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:ZAXFlags>)
     target_compile_features(${name} PUBLIC cxx_std_20)
+    zax_compile_at_once(${name} ${arg_ALONE})
     # Every symbol is found when the library is linked, not when a customer's machine loads it.
     if(NOT ZAX_SANITIZE)
         target_link_options(${name} PRIVATE "LINKER:--no-undefined")

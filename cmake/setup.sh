@@ -3,9 +3,12 @@
 zax_packages="g++ cmake ninja-build qt6-base-dev zlib1g-dev libcli11-dev libcsv-dev rapidjson-dev"
 zax_test_packages="locales qt6-l10n-tools"
 zax_benchmark_packages="gnuplot-nox"
-zax_fuzz_packages="clang-14 libclang-rt-14-dev llvm-14"
+zax_asan_packages="clang-14 libclang-rt-14-dev llvm-14"
 zax_coverage_packages="gcovr"
 zax_tidy_packages="clang-14 clang-tidy-14 clang-format-14"
+
+# What sanitizers found is told with names of functions.
+export ASAN_SYMBOLIZER_PATH=/usr/bin/llvm-symbolizer-14
 
 # zax_as_root COMMAND...: runs COMMAND as root, through sudo where need be; fails when there is no way to.
 zax_as_root() {

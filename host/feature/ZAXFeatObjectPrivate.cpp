@@ -23,7 +23,7 @@
 
 namespace {
 
-Q_LOGGING_CATEGORY(logFeature, "zax.feature")
+Q_LOGGING_CATEGORY(logObject, "zax.feature")
 
 /// The nearest feature from \a feature upwards that is no plain folder; null for the top.
 const ZAXFeatObject* LookThroughFolders(const ZAXFeatObject* feature)
@@ -103,7 +103,7 @@ void ZAXFeatObjectPrivate::CleanupSubtree()
             try {
                 feature->InitializeNonStreamed();
             } catch (const std::exception& exception) {
-                qCWarning(logFeature, "A feature that stays was not set up again: %s", exception.what());
+                qCWarning(logObject, "A feature that stays was not set up again: %s", exception.what());
             }
         }
     });
