@@ -1,5 +1,5 @@
-// What tests include of Qt and of the standard library, compiled once where compilers can. Each test includes what it uses
-// all the same.
+// What tests include of Qt and of the standard library, compiled once where compilers can. Each test includes what it
+// uses all the same.
 
 #include <QBuffer>
 #include <QDir>
