@@ -233,10 +233,10 @@ void ZAXFeatObjectPrivate::Discard()
 {
     // Deepest first: what somebody still holds must not go down with its parent.
     const auto subtree = Subtree();
-    for (auto feature = subtree.crbegin(); feature != subtree.crend(); ++feature) {
-        Get(**feature).AttachTo(nullptr, -1);
-        ZAXGeoGeometryPrivate::Discard(*feature);
-    }
+    std::for_each(subtree.crbegin(), subtree.crend(), [](ZAXFeatObject* feature) {
+        Get(*feature).AttachTo(nullptr, -1);
+        ZAXGeoGeometryPrivate::Discard(feature);
+    });
 }
 
 bool ZAXFeatObjectPrivate::IsContainerAtWork() const
