@@ -86,8 +86,9 @@ void ZAXMatCatalogueWriter::AppendNumber(double number)
         m_text.append(QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
 }
 
-bool ZAXMatCatalogueWriter::AppendValue(const QVariant& value)
+bool ZAXMatCatalogueWriter::AppendValue(const ZAXMatValue& stored)
 {
+    const QVariant value = stored.ToVariant();
     switch (value.typeId()) {
     case QMetaType::UnknownType:
     case QMetaType::Nullptr:
@@ -146,7 +147,12 @@ bool ZAXMatCatalogueWriter::AppendRecord(const ZAXMatDefinition& record)
 
 std::optional<QByteArray> ZAXMatCatalogueWriter::Write(std::vector<Member> members)
 {
-    std::ranges::stable_sort(members, {}, &Member::first);
+    // Materials and packagings come one after the other, each in order as a rule.
+    const auto second = std::ranges::is_sorted_until(members, {}, &Member::first);
+    if (std::ranges::is_sorted(second, members.end(), {}, &Member::first))
+        std::ranges::inplace_merge(members, second, {}, &Member::first);
+    else
+        std::ranges::stable_sort(members, {}, &Member::first);
     m_text = "{";
     for (auto member = members.begin(); member != members.end(); ++member) {
         const auto next = std::next(member);
