@@ -30,10 +30,10 @@ void ZAXMatCatalogueWriter::AppendLine(int depth)
     m_text.append(lineAndSpace, 1 + qsizetype(depth) * 4);
 }
 
-/// Lets Qt print \a value; false for an array or object.
+/// Lets Qt print \a value; false for an array or object, and for what is left out of the object that it is put into.
 bool ZAXMatCatalogueWriter::AppendByQt(const QJsonValue& value)
 {
-    if (value.isArray() || value.isObject())
+    if (value.isArray() || value.isObject() || value.isUndefined())
         return false;
     const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
     m_text.append(array.constData() + 1, array.size() - 2);

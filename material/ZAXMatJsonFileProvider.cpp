@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -128,6 +129,17 @@ ZAXMatJsonFileProviderPrivate::Links MakeLinks(const ZAXMatRecordTable::Records&
     return links;
 }
 
+/// What \a file, which is open, holds from its start; null, and file.error() tells why, when it cannot be read to its
+/// end.
+std::optional<QByteArray> ReadAll(QFile& file)
+{
+    // What was read before a failure Qt gives without a word: only the next attempt tells of it.
+    QByteArray text = file.readAll();
+    for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
+        text.append(more);
+    return file.error() == QFileDevice::NoError ? std::optional(text) : std::nullopt;
+}
+
 /// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
 bool WriteAll(QFileDevice& file, const QByteArray& text)
 {
@@ -171,13 +183,17 @@ bool Resize(QFile& file, qint64 size)
 /// holds what it held before then, unless the system does not even take that back.
 bool WriteInPlace(QFile& file, const QByteArray& text)
 {
-    const QByteArray before = file.readAll();
+    const std::optional<QByteArray> before = ReadAll(file);
+    if (!before) {
+        Warn("Cannot write", file.fileName(), file.errorString());
+        return false;
+    }
     file.seek(0);
     if (WriteAll(file, text) && Resize(file, text.size()))
         return true;
     file.seek(0);
-    file.write(before);
-    file.resize(before.size());
+    file.write(*before);
+    file.resize(before->size());
     return false;
 }
 
@@ -243,13 +259,10 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
 QString ZAXMatJsonFileProviderPrivate::TakeText(QFile& file)
 {
     try {
-        // What was read before a failure Qt gives without a word: only the next attempt tells of it.
-        QByteArray text = file.readAll();
-        for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
-            text.append(more);
-        if (file.error() != QFileDevice::NoError)
+        const std::optional<QByteArray> text = ReadAll(file);
+        if (!text)
             return file.errorString();
-        TakeRecords(ReadRecords(filePath, text));
+        TakeRecords(ReadRecords(filePath, *text));
         return {};
     } catch (const std::bad_alloc&) {
         return qt_error_string(ENOMEM);
