@@ -74,7 +74,6 @@ bool ZAXMatRecordTable::Remove(const QByteArray& key)
     if (position == nowhere)
         return false;
     const qsizetype last = m_keys.size() - 1;
-    m_keys.detach();
     m_areKeysAscending &= position == last;
     m_positions.remove(m_keys.at(position));
     if (position != last) {

@@ -67,6 +67,7 @@ private slots:
     void removingPutsTheLastIntoTheGap();
     void removingWhatIsAbsentChangesNothing();
     void aRemovedKeyIsInsertedAgain();
+    void aKeyBehindTheLastMayStandInFront();
     void keysThatWereListedStayAsTheyWere();
     void clearedItIsEmptyAndTakesRecords();
     void tablesAreSwapped();
@@ -244,6 +245,17 @@ void tst_ZAXMatRecordTable::aRemovedKeyIsInsertedAgain()
     QCOMPARE(Names(table, {"a", "b", "c", "d"}), QByteArray("new b c d"));
 }
 
+void tst_ZAXMatRecordTable::aKeyBehindTheLastMayStandInFront()
+{
+    Table table;
+    Fill(table, {"a", "b", "c", "d"});
+    table.Remove("a");
+    QCOMPARE(table.GetKeys(), (QList<QByteArray>{"d", "b", "c"}));
+    table.Insert("d", Record("d", QStringLiteral("new")));
+    QCOMPARE(table.GetKeys(), (QList<QByteArray>{"d", "b", "c"}));
+    QCOMPARE(Names(table, {"b", "c", "d"}), QByteArray("b c new"));
+}
+
 void tst_ZAXMatRecordTable::keysThatWereListedStayAsTheyWere()
 {
     Table table;
@@ -259,6 +271,9 @@ void tst_ZAXMatRecordTable::clearedItIsEmptyAndTakesRecords()
 {
     Table table;
     Fill(table, {"b", "a"});
+    table.Clear();
+    Fill(table, {"b", "a"});
+    QCOMPARE(Names(table, {"a", "b"}), QByteArray("a b"));
     table.Clear();
     QVERIFY(table.GetKeys().isEmpty());
     QVERIFY(!table.Find("a"));
@@ -313,5 +328,5 @@ void tst_ZAXMatRecordTable::anySequenceOfChangesGivesWhatAMapGives()
     }
 }
 
-QTEST_MAIN(tst_ZAXMatRecordTable)
+QTEST_GUILESS_MAIN(tst_ZAXMatRecordTable)
 #include "tst_ZAXMatRecordTable.moc"

@@ -163,5 +163,5 @@ void tst_ZAXMatValue::itTakesHalfTheRoomOfAVariant()
     QVERIFY(2 * sizeof(ZAXMatValue) <= sizeof(QVariant));
 }
 
-QTEST_MAIN(tst_ZAXMatValue)
+QTEST_GUILESS_MAIN(tst_ZAXMatValue)
 #include "tst_ZAXMatValue.moc"
