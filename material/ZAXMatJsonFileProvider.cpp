@@ -307,7 +307,8 @@ QList<QByteArray> ZAXMatJsonFileProviderPrivate::GetPackagingKeys(const QByteArr
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
     try {
-        return WriteText(ToText());
+        const std::optional<QByteArray> text = ToText();
+        return text && WriteText(*text);
     } catch (const std::bad_alloc&) {
         Warn("Cannot write", filePath, qt_error_string(ENOMEM));
         return false;
@@ -333,7 +334,7 @@ bool ZAXMatJsonFileProviderPrivate::WriteText(const QByteArray& text)
     return false;
 }
 
-QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
+std::optional<QByteArray> ZAXMatJsonFileProviderPrivate::ToText() const
 {
     // A packaging takes the place of a material of its key.
     std::vector<ZAXMatCatalogueWriter::Member> members;
@@ -343,8 +344,8 @@ QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
     };
     for (const ZAXMatRecordTable* const table : {&materials, &packagings})
         std::ranges::transform(table->GetKeys(), table->GetRecords(), std::back_inserter(members), toMember);
-    if (const auto text = ZAXMatCatalogueWriter().Write(members))
-        return *text;
+    if (auto text = ZAXMatCatalogueWriter().Write(members))
+        return text;
 
     // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
     QMap<QString, const ZAXMatDefinition*> records;
@@ -353,7 +354,15 @@ QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
     QJsonObject root;
     for (auto record = records.begin(); record != records.end(); ++record)
         root.insert(record.key(), record.value()->ToJson());
-    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+    const QByteArray text = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    // Qt nests values more deeply than it reads them back, and a file that nobody can read is a catalogue lost.
+    QJsonParseError error;
+    QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        Warn("Cannot write", filePath, error.errorString());
+        return std::nullopt;
+    }
+    return text;
 }
 
 void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)
