@@ -42,7 +42,7 @@ done
     echo "| what | cost | floor | unit | ratio | limit | |"
     echo "|---|--:|--:|---|--:|--:|---|"
     awk -F '\t' '$1 == "figure" {
-        print "| " $2 " | " $3 " | " $5 " | " $4 " | " $6 " | " $7 " | " ($6 + 0 <= $7 + 0 ? "met" : "**above**") " |"
+        print "| " $2 " | " $3 " | " $5 " | " $4 " | " $6 " | " $7 " | " $8 " |"
     }' "$figures"
 } >"$out/summary.md"
 

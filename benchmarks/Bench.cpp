@@ -97,7 +97,8 @@ void Bench::Add(const QString& name, Cost cost, const char* unit, double scale, 
                 qUtf8Printable(fields[2]), qUtf8Printable(fields[3]), qUtf8Printable(fields[4]),
                 qUtf8Printable(fields[5]), ratio <= limit ? "" : "  above");
     std::fflush(stdout);
-    Append(QStringList{QLatin1String("figure")} + fields);
+    Append(QStringList{QLatin1String("figure")} + fields +
+           QStringList{QLatin1String(ratio <= limit ? "met" : "**above**")});
 }
 
 void Bench::AddFailure(const QString& name)
@@ -105,6 +106,8 @@ void Bench::AddFailure(const QString& name)
     m_isWithinLimits = false;
     std::printf("%-52s fails\n", qUtf8Printable(name));
     std::fflush(stdout);
+    const QString none = QLatin1String("-");
+    Append({QLatin1String("figure"), name, none, none, none, none, none, QLatin1String("**fails**")});
 }
 
 void Bench::AddPoint(const QString& what, double size, double value)

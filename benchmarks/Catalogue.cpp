@@ -68,12 +68,12 @@ QString NewKey(QRandomGenerator& random)
     return QUuid::fromRfc4122(QByteArrayView(reinterpret_cast<const char*>(numbers.data()), sizeof numbers)).toString();
 }
 
-QJsonObject Record(const QString& key, const QString& materialKey, const char* name, int type,
+QJsonObject Record(const QString& key, const QString& materialKey, const QString& name, int type,
                    const QJsonObject& properties)
 {
     return {{Text("key"), key},
             {Text("materialKey"), materialKey},
-            {Text("name"), Text(name)},
+            {Text("name"), name},
             {Text("type"), type},
             {Text("properties"), QJsonObject{{QString(), properties}}}};
 }
@@ -81,11 +81,12 @@ QJsonObject Record(const QString& key, const QString& materialKey, const char* n
 QJsonObject Material(const QString& key, QRandomGenerator& random)
 {
     const Grade& grade = Any(grades, random);
-    return Record(key, QString(), grade.name, 0,
+    const double thickness = Any(thicknesses, random);
+    return Record(key, QString(), QLatin1String("%1, %2 mm").arg(Text(grade.name)).arg(thickness), 0,
                   {{Text("materialId"), QJsonValue::Null},
                    {Text("isMaterialIdCustomized"), QJsonValue::Null},
                    {Text("materialType"), Text(grade.type)},
-                   {Text("thickness"), Any(thicknesses, random)},
+                   {Text("thickness"), thickness},
                    {Text("category"), Text(grade.category)},
                    {Text("density"), grade.density},
                    {Text("comment"), Text(grade.comment)},
@@ -95,12 +96,14 @@ QJsonObject Material(const QString& key, QRandomGenerator& random)
 QJsonObject StockForm(const QString& key, const QString& materialKey, bool isActive, QRandomGenerator& random)
 {
     const Form& form = Any(forms, random);
-    return Record(key, materialKey, form.name, 1,
+    // Each supplier has a number of its own for what it sells.
+    const QString article = QLatin1String("%1, article %2").arg(Text(form.comment)).arg(random.bounded(1000000));
+    return Record(key, materialKey, Text(form.name), 1,
                   {{Text("length"), form.length},
                    {Text("width"), form.width},
                    {Text("form"), Text(form.form)},
                    {Text("cost"), std::round(random.bounded(1000.0) * 100) / 100},
-                   {Text("comment"), Text(form.comment)},
+                   {Text("comment"), article},
                    {Text("isActive"), isActive},
                    {Text("packagingExtensions"), QJsonValue::Null}});
 }

@@ -27,7 +27,6 @@ int main(int argc, char* argv[])
     const ZAXMatJsonFileProvider provider(file.Directory());
     const std::unique_ptr<ZAXMatProviderCache> cache(ZAXMatProviderCache::GetCache(provider.GetProviderId()));
     QList<QByteArray> keys = provider.GetMaterialKeys();
-    std::ranges::shuffle(keys, std::mt19937(1));
     const double count = static_cast<double>(keys.size());
 
     QHash<QByteArray, int> table;
@@ -35,6 +34,8 @@ int main(int argc, char* argv[])
         table.insert(key, static_cast<int>(table.size()));
         Keep(cache->GetMaterial(key).IsValid());
     }
+    // Not in the order in which they lie in memory.
+    std::ranges::shuffle(keys, std::mt19937(1));
     const QByteArray path = QFile::encodeName(file.Path());
 
     const Cost fromProvider = bench.Interleave(

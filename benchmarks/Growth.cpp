@@ -39,7 +39,9 @@ public:
         return Repeat([this] {
             return Measure([&] {
                 const ZAXMatJsonFileProvider provider(m_file.Directory());
-                Keep(provider.GetMaterialKeys().size());
+                const QList<QByteArray> materials = provider.GetMaterialKeys();
+                for (const QByteArray& material : materials)
+                    Keep(provider.GetPackagingKeys(material).size());
             });
         });
     }
@@ -124,7 +126,7 @@ int main(int argc, char* argv[])
         QList<std::function<double()>> operations;
         for (auto& subject : subjects)
             operations.append([&subject, operation] { return operation(*subject); });
-        const QList<double> costs = bench.Interleave(operations, 3);
+        const QList<double> costs = bench.Interleave(operations, 5);
         int size = smallest;
         for (qsizetype i = 0; i < costs.size(); ++i, size *= 10) {
             bench.AddPoint(QString::fromUtf8(what), size, costs[i]);

@@ -11,6 +11,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -93,15 +94,21 @@ public:
     {
         using Operation = void (Session::*)();
         static const QList<Operation> operations{
-            &Session::CreateMaterial, &Session::CreatePackaging, &Session::UpdateRecord,  &Session::Remove,
-            &Session::CommitProvider, &Session::CommitCache,     &Session::DiscardCache,  &Session::RefreshCache,
-            &Session::ReadCache,      &Session::WriteOutside,    &Session::RemoveOutside, &Session::Restart,
-            &Session::DamageOutside,
+            &Session::CreateMaterial, &Session::CreatePackaging,
+            &Session::UpdateRecord,   &Session::Remove,
+            &Session::CommitProvider, &Session::CommitCache,
+            &Session::DiscardCache,   &Session::RefreshCache,
+            &Session::ReadCache,      &Session::WriteOutside,
+            &Session::RemoveOutside,  &Session::Restart,
+            &Session::DamageOutside,  &Session::Find,
         };
         for (int steps = 0; steps < 200 && !m_input.IsEmpty(); ++steps) {
             (this->*m_input.OneOf(operations))();
-            CheckProvider();
+            // Not always: this reads the file if it has changed, which other operations must do as well.
+            if (m_input.Below(3) != 0)
+                CheckProvider();
         }
+        CheckProvider();
     }
 
 private:
@@ -249,14 +256,17 @@ private:
     void CommitCache()
     {
         const bool isCommitted = m_cache->Commit();
+        // Without anything changed the provider is asked for nothing else.
+        const auto isToUpdate = [](const CachedModel& cached) { return cached.now.IsValid() && IsChanged(cached); };
+        if (std::ranges::any_of(m_cachedMaterials, isToUpdate) || std::ranges::any_of(m_cachedPackagings, isToUpdate))
+            m_model.LoadIfChanged();
         // Whichever of several changed records is refused first, nothing is written then.
-        m_model.LoadIfChanged();
         bool isRefused = false;
         for (const bool isMaterial : {true, false}) {
             auto& cached = isMaterial ? m_cachedMaterials : m_cachedPackagings;
             auto& records = isMaterial ? m_model.tables.materials : m_model.tables.packagings;
             for (auto entry = cached.begin(); entry != cached.end(); ++entry) {
-                if (entry->now.IsValid() && IsChanged(*entry) && !records.contains(entry.key()))
+                if (isToUpdate(*entry) && !records.contains(entry.key()))
                     isRefused = true;
             }
         }
@@ -358,6 +368,28 @@ private:
                 m_cachedMaterialOf.insert(key, material);
         }
         Require(got == m_cachedLinks.value(material), "the cache keeps the stock forms");
+    }
+
+    /// Looks for materials by two of the values that UpdateRecord() gives them.
+    void Find()
+    {
+        const QVariant thickness = AnyValue();
+        const QVariant own = AnyValue();
+        const QByteArrayList found = m_provider->FindMaterials({{QByteArray(), {QByteArray("thickness"), thickness}},
+                                                                {QByteArray("Extension"), {QByteArray("own"), own}}});
+        m_model.LoadIfChanged();
+        const auto isSame = [](const QVariant& a, const QVariant& b) {
+            const bool isText = a.typeId() == QMetaType::QString;
+            return isText == (b.typeId() == QMetaType::QString) && a == b;
+        };
+        QByteArrayList expected;
+        for (auto material = m_model.tables.materials.cbegin(); material != m_model.tables.materials.cend();
+             ++material) {
+            if (isSame(material->GetValue("thickness"), thickness) &&
+                isSame(material->GetValue("own", "Extension"), own))
+                expected.append(material.key());
+        }
+        Require(Sorted(found) == expected, "the materials of these values are found");
     }
 
     /// Another program writes a catalogue, at a time that may be that of the present file, or an earlier one.

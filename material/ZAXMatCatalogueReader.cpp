@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
+#include <numeric>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -124,7 +127,8 @@ bool ZAXMatCatalogueReader::ReadKey(QByteArray& key)
     return true;
 }
 
-bool ZAXMatCatalogueReader::ReadString(QString& string)
+/// Reads a text, which \a known tells of until the next one is read.
+bool ZAXMatCatalogueReader::ReadKnown(const Known*& known)
 {
     Text text;
     if (!ReadText(text))
@@ -132,29 +136,39 @@ bool ZAXMatCatalogueReader::ReadString(QString& string)
     std::size_t hash = 0;
     for (const char byte : text.bytes)
         hash = hash * 31 + quint8(byte);
-    Known& known = m_known[hash % m_known.size()];
-    if (known.bytes.isNull() || known.bytes != text.bytes) {
-        known.bytes = text.bytes;
-        known.string = text.hasEscapes ? QString::fromUtf8(Unescaped(text.bytes)) : QString::fromUtf8(text.bytes);
+    Known& place = m_known[hash % m_known.size()];
+    if (place.bytes.isNull() || place.bytes != text.bytes) {
+        place.bytes = text.bytes;
+        place.string = text.hasEscapes ? QString::fromUtf8(Unescaped(text.bytes)) : QString::fromUtf8(text.bytes);
+        place.value = ZAXMatValue(QVariant(place.string));
     }
-    string = known.string;
-    return text.isAscii || !string.contains(QChar::ReplacementCharacter);
+    known = &place;
+    return text.isAscii || !place.string.contains(QChar::ReplacementCharacter);
+}
+
+bool ZAXMatCatalogueReader::ReadString(QString& string)
+{
+    const Known* known = nullptr;
+    if (!ReadKnown(known))
+        return false;
+    string = known->string;
+    return true;
 }
 
 bool ZAXMatCatalogueReader::ReadType(ZAXMatDefinition::Type& type)
 {
-    QVariant number;
+    ZAXMatValue number;
     SkipSpace();
-    if (!ReadNumber(number) || number.typeId() != QMetaType::LongLong)
+    if (!ReadNumber(number))
         return false;
-    const qlonglong value = number.toLongLong();
-    type = static_cast<ZAXMatDefinition::Type>(value);
+    const std::optional<qlonglong> value = number.ToInteger();
+    type = static_cast<ZAXMatDefinition::Type>(value.value_or(0));
     return value == static_cast<int>(type);
 }
 
 /// A number of up to 15 digits: they make a whole number, and that divided by a power of ten the nearest double, since
 /// both are exact.
-bool ZAXMatCatalogueReader::ReadNumber(QVariant& number)
+bool ZAXMatCatalogueReader::ReadNumber(ZAXMatValue& number)
 {
     const bool isNegative = *m_at == '-';
     m_at += isNegative ? 1 : 0;
@@ -182,30 +196,31 @@ bool ZAXMatCatalogueReader::ReadNumber(QVariant& number)
     const double value = static_cast<double>(digits) / powersOfTen[std::size_t(fraction)];
     // Qt makes an integer of a number such as 2.0.
     if (static_cast<double>(wholePart) == value)
-        number = QVariant(isNegative ? -wholePart : wholePart);
+        number = ZAXMatValue(isNegative ? -wholePart : wholePart);
     else
-        number = QVariant(isNegative ? -value : value);
+        number = ZAXMatValue(isNegative ? -value : value);
     return true;
 }
 
-bool ZAXMatCatalogueReader::ReadValue(QVariant& value)
+bool ZAXMatCatalogueReader::ReadValue(ZAXMatValue& value)
 {
     SkipSpace();
     switch (*m_at) {
     case '"': {
-        QString string;
-        const bool isRead = ReadString(string);
-        value = QVariant(string);
-        return isRead;
+        const Known* known = nullptr;
+        if (!ReadKnown(known))
+            return false;
+        value = known->value;
+        return true;
     }
     case 'n':
-        value = QVariant::fromValue(nullptr);
+        value = ZAXMatValue(nullptr);
         return TakeWord("null");
     case 't':
-        value = QVariant(true);
+        value = ZAXMatValue(true);
         return TakeWord("true");
     case 'f':
-        value = QVariant(false);
+        value = ZAXMatValue(false);
         return TakeWord("false");
     default:
         return ReadNumber(value);
@@ -216,7 +231,7 @@ bool ZAXMatCatalogueReader::ReadValues(ZAXMatValues& values)
 {
     m_values.Clear();
     const auto readValue = [this](QByteArrayView property) {
-        QVariant value;
+        ZAXMatValue value;
         if (!ReadValue(value))
             return false;
         m_values.AddValue(property, std::move(value));
@@ -257,28 +272,30 @@ bool ZAXMatCatalogueReader::ReadRecord(ZAXMatDefinition& record)
 
 std::optional<ZAXMatCatalogueReader::Records> ZAXMatCatalogueReader::Read()
 {
-    struct Member
-    {
-        QByteArrayView name;
-        ZAXMatDefinition record;
-    };
-    std::vector<Member> members;
+    std::vector<QByteArrayView> names;
+    Records records;
     const auto readMember = [&](QByteArrayView name) {
-        members.push_back({name, ZAXMatDefinition()});
-        return ReadRecord(members.back().record);
+        names.push_back(name);
+        return ReadRecord(records.emplace_back());
     };
     if (!ReadObject(readMember))
         return std::nullopt;
     SkipSpace();
     if (m_at != m_end)
         return std::nullopt;
+    // As catalogues are written.
+    if (std::ranges::adjacent_find(names, std::ranges::greater_equal()) == names.end())
+        return records;
 
-    if (!std::ranges::is_sorted(members, {}, &Member::name))
-        std::ranges::sort(members, {}, &Member::name);
-    if (std::ranges::adjacent_find(members, {}, &Member::name) != members.end())
+    std::vector<qsizetype> order(names.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto nameOf = [&names](qsizetype position) { return names[std::size_t(position)]; };
+    std::ranges::sort(order, {}, nameOf);
+    if (std::ranges::adjacent_find(order, {}, nameOf) != order.end())
         return std::nullopt;
-    Records records;
-    records.reserve(members.size());
-    std::ranges::transform(members, std::back_inserter(records), &Member::record);
-    return records;
+    Records ordered;
+    ordered.reserve(records.size());
+    std::ranges::transform(order, std::back_inserter(ordered),
+                           [&](qsizetype position) { return records.at(position); });
+    return ordered;
 }

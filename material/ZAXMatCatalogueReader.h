@@ -10,7 +10,6 @@
 
 #include <array>
 #include <optional>
-#include <vector>
 
 /// Reads the text of a catalogue straight into records, without the tree of a QJsonDocument in between, as long as it
 /// holds what catalogues hold. Whatever else stands in it, malformed or not, is left to QJsonDocument: nobody but Qt
@@ -18,7 +17,7 @@
 class ZAXMatCatalogueReader
 {
 public:
-    using Records = std::vector<ZAXMatDefinition>;
+    using Records = QList<ZAXMatDefinition>;
 
     /// \a text must outlive this.
     explicit ZAXMatCatalogueReader(const QByteArray& text);
@@ -47,10 +46,12 @@ private:
     bool ReadObject(ReadMember readMember);
     bool ReadText(Text& text);
     bool ReadKey(QByteArray& key);
+    struct Known;
+    bool ReadKnown(const Known*& known);
     bool ReadString(QString& string);
     bool ReadType(ZAXMatDefinition::Type& type);
-    bool ReadNumber(QVariant& number);
-    bool ReadValue(QVariant& value);
+    bool ReadNumber(ZAXMatValue& number);
+    bool ReadValue(ZAXMatValue& value);
     bool ReadValues(ZAXMatValues& values);
     bool ReadRecord(ZAXMatDefinition& record);
 
@@ -59,6 +60,7 @@ private:
     {
         QByteArrayView bytes;
         QString string;
+        ZAXMatValue value;
     };
 
     const char* m_at;

@@ -30,10 +30,10 @@ void ZAXMatCatalogueWriter::AppendLine(int depth)
     m_text.append(lineAndSpace, 1 + qsizetype(depth) * 4);
 }
 
-/// Lets Qt print \a value; false for an array or object.
+/// Lets Qt print \a value; false for an array or object, and for what is left out of the object that it is put into.
 bool ZAXMatCatalogueWriter::AppendByQt(const QJsonValue& value)
 {
-    if (value.isArray() || value.isObject())
+    if (value.isArray() || value.isObject() || value.isUndefined())
         return false;
     const QByteArray array = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
     m_text.append(array.constData() + 1, array.size() - 2);
@@ -86,8 +86,9 @@ void ZAXMatCatalogueWriter::AppendNumber(double number)
         m_text.append(QByteArray::number(number, 'g', QLocale::FloatingPointShortest));
 }
 
-bool ZAXMatCatalogueWriter::AppendValue(const QVariant& value)
+bool ZAXMatCatalogueWriter::AppendValue(const ZAXMatValue& stored)
 {
+    const QVariant value = stored.ToVariant();
     switch (value.typeId()) {
     case QMetaType::UnknownType:
     case QMetaType::Nullptr:
@@ -146,7 +147,12 @@ bool ZAXMatCatalogueWriter::AppendRecord(const ZAXMatDefinition& record)
 
 std::optional<QByteArray> ZAXMatCatalogueWriter::Write(std::vector<Member> members)
 {
-    std::ranges::stable_sort(members, {}, &Member::first);
+    // Materials and packagings come one after the other, each in order as a rule.
+    const auto second = std::ranges::is_sorted_until(members, {}, &Member::first);
+    if (std::ranges::is_sorted(second, members.end(), {}, &Member::first))
+        std::ranges::inplace_merge(members, second, {}, &Member::first);
+    else
+        std::ranges::stable_sort(members, {}, &Member::first);
     m_text = "{";
     for (auto member = members.begin(); member != members.end(); ++member) {
         const auto next = std::next(member);

@@ -4,6 +4,7 @@
 // Private to the library: not installed, and free to change.
 
 #include "ZAXMatDefinition.h"
+#include "ZAXMatValue.h"
 
 #include <QByteArray>
 #include <QString>
@@ -30,7 +31,7 @@ private:
     void AppendBytes(const QByteArray& bytes);
     void AppendString(const QString& string);
     void AppendNumber(double number);
-    bool AppendValue(const QVariant& value);
+    bool AppendValue(const ZAXMatValue& stored);
     bool AppendByQt(const QJsonValue& value);
     void AppendLine(int depth);
 

@@ -19,7 +19,8 @@ QJsonObject TableToJson(const ZAXMatValues& values, const Extension& extension)
 {
     QJsonObject object;
     for (std::size_t i = extension.begin; i < extension.end; ++i)
-        object.insert(QString::fromUtf8(values.GetProperty(i)), QJsonValue::fromVariant(values.GetValue(i)));
+        object.insert(QString::fromUtf8(values.GetProperty(i)),
+                      QJsonValue::fromVariant(values.GetValue(i).ToVariant()));
     return object;
 }
 
@@ -34,7 +35,7 @@ void AddTables(const QJsonObject& properties, ZAXMatValuesBuilder& builder, QLis
         builder.AddExtension(keep(table.key()));
         const QJsonObject values = table.value().toObject();
         for (auto value = values.begin(); value != values.end(); ++value)
-            builder.AddValue(keep(value.key()), value.value().toVariant());
+            builder.AddValue(keep(value.key()), ZAXMatValue(value.value().toVariant()));
     }
 }
 
@@ -71,7 +72,7 @@ ZAXMatDefinition::ZAXMatDefinition(const QByteArray& key, Type type,
     d->key = key;
     d->type = type;
     for (const auto& [extension, property] : allowedProperties.asKeyValueRange())
-        d->values.Insert(extension, property, QVariant());
+        d->values.Insert(extension, property, ZAXMatValue());
     d->savedValues = d->values;
 }
 
@@ -128,7 +129,7 @@ bool ZAXMatDefinition::IsValid() const
 
 void ZAXMatDefinition::AddAllowedProperty(const QByteArray& extension, const QByteArray& property)
 {
-    d->values.Insert(extension, property, QVariant());
+    d->values.Insert(extension, property, ZAXMatValue());
 }
 
 void ZAXMatDefinition::RemoveAllowedProperty(const QByteArray& extension, const QByteArray& property)
@@ -159,13 +160,13 @@ QList<QByteArray> ZAXMatDefinition::GetDefinedProperties(const QByteArray& exten
 
 QVariant ZAXMatDefinition::GetValue(const QByteArray& property, const QByteArray& extension) const
 {
-    const QVariant* const value = d->values.Find(extension, property);
-    return value ? *value : QVariant();
+    const ZAXMatValue* const value = d->values.Find(extension, property);
+    return value ? value->ToVariant() : QVariant();
 }
 
 bool ZAXMatDefinition::SetValue(const QByteArray& property, const QVariant& value, const QByteArray& extension)
 {
-    return d->values.Insert(extension, property, value);
+    return d->values.Insert(extension, property, ZAXMatValue(value));
 }
 
 void ZAXMatDefinition::Commit()
@@ -199,7 +200,7 @@ void ZAXMatDefinition::LoadFromFeature(const ZAXFeatObject* feature)
     for (const Extension& extension : std::as_const(d)->values.GetExtensions()) {
         const QObject* const target = extension.key.isEmpty() ? feature : FindTarget(feature, extension.key, false);
         for (std::size_t i = extension.begin; target && i < extension.end; ++i)
-            d->values.SetValue(i, target->property(d->values.GetProperty(i).constData()));
+            d->values.SetValue(i, ZAXMatValue(target->property(d->values.GetProperty(i).constData())));
     }
 }
 
@@ -212,7 +213,7 @@ void ZAXMatDefinition::SaveToFeature(ZAXFeatObject* feature) const
     for (const Extension& extension : values.GetExtensions()) {
         QObject* const target = extension.key.isEmpty() ? feature : FindTarget(feature, extension.key, true);
         for (std::size_t i = extension.begin; target && i < extension.end; ++i)
-            target->setProperty(values.GetProperty(i).constData(), values.GetValue(i));
+            target->setProperty(values.GetProperty(i).constData(), values.GetValue(i).ToVariant());
     }
 }
 

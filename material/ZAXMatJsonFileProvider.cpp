@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <new>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -107,6 +108,38 @@ ZAXMatCatalogueReader::Records ReadRecords(const QString& path, const QByteArray
     return records;
 }
 
+bool IsMaterial(const ZAXMatDefinition& record)
+{
+    return record.IsValid() && record.GetType() == ZAXMatDefinition::Material;
+}
+
+bool IsPackaging(const ZAXMatDefinition& record)
+{
+    return record.IsValid() && record.GetType() == ZAXMatDefinition::Packaging;
+}
+
+/// Links each packaging of \a records to its material, one after the other.
+ZAXMatJsonFileProviderPrivate::Links MakeLinks(const ZAXMatRecordTable::Records& records)
+{
+    ZAXMatJsonFileProviderPrivate::Links links;
+    for (const ZAXMatDefinition& record : records) {
+        if (IsPackaging(record))
+            links.insert(record.GetMaterialKey(), record.GetKey());
+    }
+    return links;
+}
+
+/// What \a file, which is open, holds from its start; null, and file.error() tells why, when it cannot be read to its
+/// end.
+std::optional<QByteArray> ReadAll(QFile& file)
+{
+    // What was read before a failure Qt gives without a word: only the next attempt tells of it.
+    QByteArray text = file.readAll();
+    for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
+        text.append(more);
+    return file.error() == QFileDevice::NoError ? std::optional(text) : std::nullopt;
+}
+
 /// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
 bool WriteAll(QFileDevice& file, const QByteArray& text)
 {
@@ -150,13 +183,17 @@ bool Resize(QFile& file, qint64 size)
 /// holds what it held before then, unless the system does not even take that back.
 bool WriteInPlace(QFile& file, const QByteArray& text)
 {
-    const QByteArray before = file.readAll();
+    const std::optional<QByteArray> before = ReadAll(file);
+    if (!before) {
+        Warn("Cannot write", file.fileName(), file.errorString());
+        return false;
+    }
     file.seek(0);
     if (WriteAll(file, text) && Resize(file, text.size()))
         return true;
     file.seek(0);
-    file.write(before);
-    file.resize(before.size());
+    file.write(*before);
+    file.resize(before->size());
     return false;
 }
 
@@ -222,49 +259,56 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
 QString ZAXMatJsonFileProviderPrivate::TakeText(QFile& file)
 {
     try {
-        // What was read before a failure Qt gives without a word: only the next attempt tells of it.
-        QByteArray text = file.readAll();
-        for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
-            text.append(more);
-        if (file.error() != QFileDevice::NoError)
+        const std::optional<QByteArray> text = ReadAll(file);
+        if (!text)
             return file.errorString();
-        TakeRecords(ReadRecords(filePath, text));
+        TakeRecords(ReadRecords(filePath, *text));
         return {};
     } catch (const std::bad_alloc&) {
         return qt_error_string(ENOMEM);
     }
 }
 
-void ZAXMatJsonFileProviderPrivate::TakeRecords(const std::vector<ZAXMatDefinition>& records)
+void ZAXMatJsonFileProviderPrivate::TakeRecords(const ZAXMatRecordTable::Records& records)
 {
     // Aside, so that the tables stay as they are should there be no memory for others.
-    Records newMaterials;
-    Records newPackagings;
-    Links newLinks;
-    const auto isOf = [](ZAXMatDefinition::Type type) {
-        return [type](const ZAXMatDefinition& record) { return record.IsValid() && record.GetType() == type; };
-    };
-    newMaterials.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Material)));
-    newPackagings.reserve(std::ranges::count_if(records, isOf(ZAXMatDefinition::Packaging)));
+    ZAXMatRecordTable newMaterials;
+    ZAXMatRecordTable newPackagings;
+    std::optional<Links> newLinks;
+    newMaterials.Reserve(std::ranges::count_if(records, IsMaterial));
+    const qsizetype packagingCount = std::ranges::count_if(records, IsPackaging);
+    newPackagings.Reserve(packagingCount);
     for (const ZAXMatDefinition& record : records) {
-        if (!record.IsValid())
-            continue;
-        if (record.GetType() == ZAXMatDefinition::Material) {
-            newMaterials.insert(record.GetKey(), record);
-        } else if (record.GetType() == ZAXMatDefinition::Packaging) {
-            newPackagings.insert(record.GetKey(), record);
-            newLinks.insert(record.GetMaterialKey(), record.GetKey());
-        }
+        if (IsMaterial(record))
+            newMaterials.Insert(record.GetKey(), record);
+        else if (IsPackaging(record))
+            newPackagings.Insert(record.GetKey(), record);
     }
-    materials.swap(newMaterials);
-    packagings.swap(newPackagings);
+    // A packaging that is there twice is linked twice.
+    if (newPackagings.GetKeys().size() != packagingCount)
+        newLinks = MakeLinks(records);
+    materials.Swap(newMaterials);
+    packagings.Swap(newPackagings);
     materialPackagings.swap(newLinks);
+}
+
+ZAXMatJsonFileProviderPrivate::Links& ZAXMatJsonFileProviderPrivate::GetLinks()
+{
+    if (!materialPackagings)
+        materialPackagings = MakeLinks(packagings.GetRecords());
+    return *materialPackagings;
+}
+
+QList<QByteArray> ZAXMatJsonFileProviderPrivate::GetPackagingKeys(const QByteArray& materialKey)
+{
+    return GetLinks().values(materialKey);
 }
 
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
     try {
-        return WriteText(ToText());
+        const std::optional<QByteArray> text = ToText();
+        return text && WriteText(*text);
     } catch (const std::bad_alloc&) {
         Warn("Cannot write", filePath, qt_error_string(ENOMEM));
         return false;
@@ -290,17 +334,18 @@ bool ZAXMatJsonFileProviderPrivate::WriteText(const QByteArray& text)
     return false;
 }
 
-QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
+std::optional<QByteArray> ZAXMatJsonFileProviderPrivate::ToText() const
 {
     // A packaging takes the place of a material of its key.
     std::vector<ZAXMatCatalogueWriter::Member> members;
-    members.reserve(std::size_t(materials.size() + packagings.size()));
-    for (const Records* const records : {&materials, &packagings}) {
-        for (auto record = records->begin(); record != records->end(); ++record)
-            members.emplace_back(record.key(), &record.value());
-    }
-    if (const auto text = ZAXMatCatalogueWriter().Write(members))
-        return *text;
+    members.reserve(std::size_t(materials.GetKeys().size() + packagings.GetKeys().size()));
+    const auto toMember = [](const QByteArray& key, const ZAXMatDefinition& record) {
+        return ZAXMatCatalogueWriter::Member(key, &record);
+    };
+    for (const ZAXMatRecordTable* const table : {&materials, &packagings})
+        std::ranges::transform(table->GetKeys(), table->GetRecords(), std::back_inserter(members), toMember);
+    if (auto text = ZAXMatCatalogueWriter().Write(members))
+        return text;
 
     // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
     QMap<QString, const ZAXMatDefinition*> records;
@@ -309,26 +354,34 @@ QByteArray ZAXMatJsonFileProviderPrivate::ToText() const
     QJsonObject root;
     for (auto record = records.begin(); record != records.end(); ++record)
         root.insert(record.key(), record.value()->ToJson());
-    return QJsonDocument(root).toJson(QJsonDocument::Indented);
+    const QByteArray text = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    // Qt nests values more deeply than it reads them back, and a file that nobody can read is a catalogue lost.
+    QJsonParseError error;
+    QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        Warn("Cannot write", filePath, error.errorString());
+        return std::nullopt;
+    }
+    return text;
 }
 
 void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)
 {
-    packagings.insert(packaging.GetKey(), packaging);
-    materialPackagings.insert(packaging.GetMaterialKey(), packaging.GetKey());
+    Links& links = GetLinks();
+    packagings.Insert(packaging.GetKey(), packaging);
+    links.insert(packaging.GetMaterialKey(), packaging.GetKey());
 }
 
 bool ZAXMatJsonFileProviderPrivate::RemovePackaging(const QByteArray& key)
 {
-    const auto packaging = packagings.constFind(key);
-    if (packaging == packagings.constEnd())
+    const ZAXMatDefinition* const packaging = std::as_const(packagings).Find(key);
+    if (!packaging)
         return false;
-    materialPackagings.remove(packaging->GetMaterialKey(), key);
-    packagings.erase(packaging);
-    return true;
+    GetLinks().remove(packaging->GetMaterialKey(), key);
+    return packagings.Remove(key);
 }
 
-ZAXMatJsonFileProviderPrivate::Records& ZAXMatJsonFileProviderPrivate::RecordsOf(ZAXMatDefinition::Type type)
+ZAXMatRecordTable& ZAXMatJsonFileProviderPrivate::RecordsOf(ZAXMatDefinition::Type type)
 {
     return type == ZAXMatDefinition::Material ? materials : packagings;
 }
@@ -399,13 +452,13 @@ QList<QByteArray> ZAXMatJsonFileProvider::GetSupportedPackagingProperties(const 
 QList<QByteArray> ZAXMatJsonFileProvider::GetMaterialKeys() const
 {
     d_ptr->LoadIfChanged();
-    return d_ptr->materials.keys();
+    return d_ptr->materials.GetKeys();
 }
 
 ZAXMatDefinition ZAXMatJsonFileProvider::GetMaterial(const QByteArray& key) const
 {
     d_ptr->LoadIfChanged();
-    return d_ptr->materials.value(key);
+    return d_ptr->materials.Value(key);
 }
 
 ZAXMatDefinition ZAXMatJsonFileProvider::CreateMaterial(const QString& name)
@@ -415,7 +468,7 @@ ZAXMatDefinition ZAXMatJsonFileProvider::CreateMaterial(const QString& name)
     ZAXMatDefinition material = NewRecord(ZAXMatDefinition::Material, name);
     DefineSchema(material, GetSupportedMaterialExtensions(),
                  [this](const QByteArray& extension) { return GetSupportedMaterialProperties(extension); });
-    d->materials.insert(material.GetKey(), material);
+    d->materials.Insert(material.GetKey(), material);
     return material;
 }
 
@@ -423,21 +476,21 @@ bool ZAXMatJsonFileProvider::RemoveMaterial(const QByteArray& key)
 {
     Q_D(ZAXMatJsonFileProvider);
     d->LoadIfChanged();
-    const QList<QByteArray> packagingKeys = d->materialPackagings.values(key);
+    const QList<QByteArray> packagingKeys = d->GetPackagingKeys(key);
     const auto remove = [this](const QByteArray& packagingKey) { return RemovePackaging(packagingKey); };
-    return std::ranges::all_of(packagingKeys, remove) && d->materials.remove(key);
+    return std::ranges::all_of(packagingKeys, remove) && d->materials.Remove(key);
 }
 
 QList<QByteArray> ZAXMatJsonFileProvider::GetPackagingKeys(const QByteArray& materialKey) const
 {
     d_ptr->LoadIfChanged();
-    return d_ptr->materialPackagings.values(materialKey);
+    return d_ptr->GetPackagingKeys(materialKey);
 }
 
 ZAXMatDefinition ZAXMatJsonFileProvider::GetPackaging(const QByteArray& key) const
 {
     d_ptr->LoadIfChanged();
-    return d_ptr->packagings.value(key);
+    return d_ptr->packagings.Value(key);
 }
 
 ZAXMatDefinition ZAXMatJsonFileProvider::CreatePackaging(const QString& name, const QByteArray& materialKey)
@@ -465,9 +518,8 @@ bool ZAXMatJsonFileProvider::Update(const ZAXMatDefinition& definition)
     d->LoadIfChanged();
     if (!definition.IsValid())
         return false;
-    auto& records = d->RecordsOf(definition.GetType());
-    const auto stored = records.find(definition.GetKey());
-    if (stored == records.end())
+    ZAXMatDefinition* const stored = d->RecordsOf(definition.GetType()).Find(definition.GetKey());
+    if (!stored)
         return false;
     stored->CopyValues(definition);
     stored->SetName(definition.GetName());

@@ -77,9 +77,9 @@ public:
     QByteArray GetProviderId() const override;
     /// Writes all records to the file, whatever it holds, and has the next operation read it again. The file is
     /// replaced as a whole and keeps its permissions, though it then belongs to who wrote it; a symbolic link to it
-    /// stays. Only in a directory that takes no new file is it overwritten in place. If it cannot be written, it stays
-    /// as it was, and so do the records; what is overwritten in place is lost only if the system then refuses to take
-    /// the old bytes back.
+    /// stays. Only in a directory that takes no new file is it overwritten in place. If it cannot be written, or could
+    /// not be read then since a value is nested in more than 1,024 levels, it stays as it was, and so do the records;
+    /// what is overwritten in place is lost only if the system then refuses to take the old bytes back.
     void Commit() override;
 
 private:

@@ -5,13 +5,12 @@
 
 #include "ZAXMatDefinition.h"
 #include "ZAXMatFileTime.h"
+#include "ZAXMatRecordTable.h"
 
-#include <QHash>
 #include <QJsonObject>
 #include <QMultiHash>
 
 #include <optional>
-#include <vector>
 
 class QFile;
 
@@ -19,7 +18,6 @@ class QFile;
 class ZAXMatJsonFileProviderPrivate
 {
 public:
-    using Records = QHash<QByteArray, ZAXMatDefinition>;
     using Links = QMultiHash<QByteArray, QByteArray>;
 
     ZAXMatJsonFileProviderPrivate(const QByteArray& id, const std::optional<QString>& label, const QString& directory);
@@ -29,12 +27,14 @@ public:
     /// Replaces the file by the tables. False, with the reason logged, when that fails.
     bool Write();
 
+    /// The keys of the packagings of a material, the one that was linked last in front.
+    QList<QByteArray> GetPackagingKeys(const QByteArray& materialKey);
     /// Stores \a packaging and links it to its material.
     void AddPackaging(const ZAXMatDefinition& packaging);
     /// Removes and unlinks a packaging; false when there is none.
     bool RemovePackaging(const QByteArray& key);
     /// The table that \a type is kept in: packagings for anything but a material.
-    Records& RecordsOf(ZAXMatDefinition::Type type);
+    ZAXMatRecordTable& RecordsOf(ZAXMatDefinition::Type type);
 
     const QByteArray id;
     /// Null for the default label, which follows the user's language.
@@ -49,18 +49,22 @@ public:
     bool mustLoad = true;
     bool isReadFailureLogged = false;
 
-    Records materials;
-    Records packagings;
-    /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds.
-    Links materialPackagings;
+    ZAXMatRecordTable materials;
+    ZAXMatRecordTable packagings;
 
 private:
     /// Replaces the tables by what \a file holds, which is open. Gives the reason why it cannot; null when it did.
     QString TakeText(QFile& file);
-    void TakeRecords(const std::vector<ZAXMatDefinition>& records);
-    /// The text of the file that holds the tables.
-    QByteArray ToText() const;
+    void TakeRecords(const ZAXMatRecordTable::Records& records);
+    /// The links, made if need be.
+    Links& GetLinks();
+    /// The text of the file that holds the tables; null, with the reason logged, when nobody could read it.
+    std::optional<QByteArray> ToText() const;
     bool WriteText(const QByteArray& text);
+
+    /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds. Null
+    /// until somebody asks for one, as long as it follows from the packagings and their order.
+    std::optional<Links> materialPackagings;
 };
 
 #endif

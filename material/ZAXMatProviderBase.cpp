@@ -1,7 +1,8 @@
 #include "ZAXMatProviderBase.h"
 
 #include "ZAXMatDefinitionPrivate.h"
-#include "ZAXMatValueEquality.h"
+
+#include <vector>
 
 class ZAXMatProviderBasePrivate
 {
@@ -103,17 +104,25 @@ bool ZAXMatProviderBase::IsPackagingProperty(const QByteArray& property, const Q
 QList<QByteArray>
 ZAXMatProviderBase::FindMaterials(const QMultiHash<QByteArray, std::pair<QByteArray, QVariant>>& criteria) const
 {
-    const QVariant missing;
+    struct Criterion
+    {
+        ZAXMatValueLocator locator;
+        QVariant required;
+    };
+    std::vector<Criterion> wanted;
+    for (const auto& [extension, criterion] : criteria.asKeyValueRange())
+        wanted.push_back({ZAXMatValueLocator(extension, criterion.first), criterion.second});
+
+    const ZAXMatValue missing;
     QList<QByteArray> found;
     const QList<QByteArray> keys = GetMaterialKeys();
     for (const QByteArray& key : keys) {
         const ZAXMatDefinition material = GetMaterial(key);
         const ZAXMatValues& values = ZAXMatDefinitionPrivate::Of(material).values;
         bool matches = true;
-        for (const auto& [extension, criterion] : criteria.asKeyValueRange()) {
-            const auto& [property, required] = criterion;
-            const QVariant* const value = values.Find(extension, property);
-            matches &= ZAXMatIsSameValue(value ? *value : missing, required);
+        for (Criterion& criterion : wanted) {
+            const ZAXMatValue* const value = criterion.locator.FindIn(values);
+            matches &= (value ? *value : missing).IsSame(criterion.required);
         }
         if (matches)
             found.append(key);

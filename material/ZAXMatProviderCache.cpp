@@ -5,45 +5,43 @@
 #include "ZAXMatProviderCachePrivate.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
-using Records = ZAXMatProviderCachePrivate::Records;
-
 /// The record under \a key: the stored one, or what \a fetch gives, which is stored in committed form when valid.
 template <typename Fetch>
-ZAXMatDefinition ReadThrough(Records& records, const QByteArray& key, Fetch fetch)
+ZAXMatDefinition ReadThrough(ZAXMatRecordTable& records, const QByteArray& key, Fetch fetch)
 {
-    const auto cached = records.constFind(key);
-    if (cached != records.constEnd() && !ZAXMatDefinitionPrivate::Of(*cached).key.isEmpty())
+    const ZAXMatDefinition* const cached = std::as_const(records).Find(key);
+    if (cached && !ZAXMatDefinitionPrivate::Of(*cached).key.isEmpty())
         return *cached;
     ZAXMatDefinition record = fetch(key);
     if (record.IsValid()) {
         record.Commit();
-        records.insert(key, record);
+        records.Insert(key, record);
     }
     return record;
 }
 
 } // namespace
 
-ZAXMatProviderCachePrivate::Records& ZAXMatProviderCachePrivate::RecordsOf(ZAXMatDefinition::Type type)
+ZAXMatRecordTable& ZAXMatProviderCachePrivate::RecordsOf(ZAXMatDefinition::Type type)
 {
     return type == ZAXMatDefinition::Material ? materials : packagings;
 }
 
-bool ZAXMatProviderCachePrivate::CommitRecords(Records& records)
+bool ZAXMatProviderCachePrivate::CommitRecords(ZAXMatRecordTable& records)
 {
     // Over a copy of the keys, since a provider may ask its own cache something while it updates a record.
-    const QList<QByteArray> keys = records.keys();
+    const QList<QByteArray> keys = records.GetKeys();
     return std::ranges::all_of(keys, [&](const QByteArray& key) {
-        const ZAXMatDefinition record = records.value(key);
+        const ZAXMatDefinition record = records.Value(key);
         if (!record.IsValid() || !record.IsChanged())
             return true;
         if (!provider->Update(record))
             return false;
-        const auto stored = records.find(key);
-        if (stored != records.end())
+        if (ZAXMatDefinition* const stored = records.Find(key))
             stored->Commit();
         return true;
     });
@@ -96,17 +94,15 @@ bool ZAXMatProviderCache::Commit()
 void ZAXMatProviderCache::Discard()
 {
     Q_D(ZAXMatProviderCache);
-    for (ZAXMatDefinition& material : d->materials)
-        material.Revert();
-    for (ZAXMatDefinition& packaging : d->packagings)
-        packaging.Revert();
+    std::ranges::for_each(d->materials, &ZAXMatDefinition::Revert);
+    std::ranges::for_each(d->packagings, &ZAXMatDefinition::Revert);
 }
 
 void ZAXMatProviderCache::Refresh()
 {
     Q_D(ZAXMatProviderCache);
-    d->materials.clear();
-    d->packagings.clear();
+    d->materials.Clear();
+    d->packagings.Clear();
     d->materialKeys.clear();
     d->materialPackagings.clear();
     d->packagingMaterial.clear();
@@ -169,7 +165,7 @@ ZAXMatDefinition ZAXMatProviderCache::CreateMaterial(const QString& name)
     if (!material.IsValid())
         return material;
     material.Commit();
-    d->materials.insert(material.GetKey(), material);
+    d->materials.Insert(material.GetKey(), material);
     if (!d->materialKeys.isEmpty())
         d->materialKeys.append(material.GetKey());
     return material;
@@ -180,11 +176,11 @@ bool ZAXMatProviderCache::RemoveMaterial(const QByteArray& key)
     Q_D(ZAXMatProviderCache);
     if (!d->provider->RemoveMaterial(key))
         return false;
-    d->materials.remove(key);
+    d->materials.Remove(key);
     d->materialKeys.removeAll(key);
     const QList<QByteArray> packagingKeys = d->materialPackagings.take(key);
     for (const QByteArray& packagingKey : packagingKeys) {
-        d->packagings.remove(packagingKey);
+        d->packagings.Remove(packagingKey);
         d->packagingMaterial.remove(packagingKey);
     }
     return true;
@@ -217,7 +213,7 @@ ZAXMatDefinition ZAXMatProviderCache::CreatePackaging(const QString& name, const
     if (!packaging.IsValid())
         return packaging;
     packaging.Commit();
-    d->packagings.insert(packaging.GetKey(), packaging);
+    d->packagings.Insert(packaging.GetKey(), packaging);
     const auto keys = d->materialPackagings.find(materialKey);
     if (keys != d->materialPackagings.end()) {
         keys->append(packaging.GetKey());
@@ -234,7 +230,7 @@ bool ZAXMatProviderCache::RemovePackaging(const QByteArray& key)
     const auto keys = d->materialPackagings.find(d->packagingMaterial.value(key));
     if (keys != d->materialPackagings.end())
         keys->removeAll(key);
-    d->packagings.remove(key);
+    d->packagings.Remove(key);
     d->packagingMaterial.remove(key);
     return true;
 }

@@ -4,6 +4,7 @@
 // Private to the library: not installed, and free to change.
 
 #include "ZAXMatDefinition.h"
+#include "ZAXMatRecordTable.h"
 
 #include <QHash>
 #include <QList>
@@ -16,13 +17,11 @@ class ZAXMatProviderCache;
 class ZAXMatProviderCachePrivate
 {
 public:
-    using Records = QHash<QByteArray, ZAXMatDefinition>;
-
     explicit ZAXMatProviderCachePrivate(ZAXMatProvider* provider) : provider(provider) {}
 
     ZAXMatProvider* const provider;
-    Records materials;
-    Records packagings;
+    ZAXMatRecordTable materials;
+    ZAXMatRecordTable packagings;
     /// Empty means not fetched yet.
     QList<QByteArray> materialKeys;
     QHash<QByteArray, QList<QByteArray>> materialPackagings;
@@ -30,9 +29,9 @@ public:
     QHash<QByteArray, QByteArray> packagingMaterial;
 
     /// The table that \a type is kept in: packagings for anything but a material.
-    Records& RecordsOf(ZAXMatDefinition::Type type);
+    ZAXMatRecordTable& RecordsOf(ZAXMatDefinition::Type type);
     /// Hands the changed ones of \a records to the provider and commits them; false at the first refusal.
-    bool CommitRecords(Records& records);
+    bool CommitRecords(ZAXMatRecordTable& records);
 };
 
 /// The process-wide table of caches by provider id, which owns none of them. Its storage is made by the first Insert()

@@ -1,23 +1,105 @@
 #include "ZAXMatValues.h"
 
-#include "ZAXMatValueEquality.h"
-
 #include <QMutex>
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <new>
+#include <span>
 #include <utility>
 
-class ZAXMatValues::Data : public QSharedData
+/// Room for the values of several tables, given back with the last of them.
+class ZAXMatValuesBlock : public QSharedData
 {
 public:
-    explicit Data(const QSharedDataPointer<ZAXMatSchema>& schema) : schema(schema) {}
+    /// What is larger would leave too much of a block unused.
+    static constexpr std::size_t largest = 1024;
 
-    QSharedDataPointer<ZAXMatSchema> schema;
-    std::vector<QVariant> values;
+    /// The next \a size bytes, for something aligned as pointers are; null when there are not as many left.
+    void* Take(std::size_t size)
+    {
+        if (size > m_room.size() - m_used)
+            return nullptr;
+        return m_room.data() + std::exchange(m_used, m_used + size);
+    }
+
+private:
+    // A record that outlives its catalogue keeps a block, so they are not large.
+    static constexpr std::size_t size = 16384;
+
+    std::size_t m_used = 0;
+    alignas(void*) std::array<std::byte, size - 2 * sizeof(std::size_t)> m_room;
 };
+
+/// The values of one table, which stand behind it in the same piece of memory: one for each name of its schema.
+class ZAXMatValuesData : public QSharedData
+{
+public:
+    using Schema = QSharedDataPointer<ZAXMatSchema>;
+    using Block = QExplicitlySharedDataPointer<ZAXMatValuesBlock>;
+
+    /// Values for all names of \a schema, moved from what \a take() gives for each, within \a block if there is one.
+    template <typename Take>
+    static ZAXMatValuesData* Make(const Schema& schema, Take take, Block* block = nullptr);
+    static void operator delete(ZAXMatValuesData* data, std::destroying_delete_t);
+    Q_DISABLE_COPY_MOVE(ZAXMatValuesData)
+    ~ZAXMatValuesData() { std::ranges::destroy(Values()); }
+
+    const Schema& GetSchema() const { return m_schema; }
+    std::span<ZAXMatValue> Values() { return {reinterpret_cast<ZAXMatValue*>(this + 1), m_count}; }
+    std::span<const ZAXMatValue> Values() const { return {reinterpret_cast<const ZAXMatValue*>(this + 1), m_count}; }
+
+private:
+    ZAXMatValuesData(const Schema& schema, const Block& block)
+        : m_count(quint32(schema->properties.size())), m_schema(schema), m_block(block)
+    {
+    }
+
+    const quint32 m_count;
+    const Schema m_schema;
+    /// Null for a piece of memory of its own.
+    Block m_block;
+};
+static_assert(alignof(ZAXMatValuesData) >= alignof(ZAXMatValue));
+
+template <typename Take>
+ZAXMatValuesData* ZAXMatValuesData::Make(const Schema& schema, Take take, Block* block)
+{
+    const std::size_t size = sizeof(ZAXMatValuesData) + schema->properties.size() * sizeof(ZAXMatValue);
+    void* place = nullptr;
+    if (block && size <= ZAXMatValuesBlock::largest) {
+        place = *block ? (*block)->Take(size) : nullptr;
+        if (!place) {
+            block->reset(new ZAXMatValuesBlock);
+            place = (*block)->Take(size);
+        }
+    }
+    auto* const data = place ? new (place) ZAXMatValuesData(schema, *block)
+                             : new (::operator new(size)) ZAXMatValuesData(schema, Block());
+    ZAXMatValue* value = data->Values().data();
+    for (std::size_t i = 0; i < data->m_count; ++i, ++value)
+        new (value) ZAXMatValue(take(i));
+    return data;
+}
+
+void ZAXMatValuesData::operator delete(ZAXMatValuesData* data, std::destroying_delete_t)
+{
+    const Block block = std::move(data->m_block);
+    data->~ZAXMatValuesData();
+    if (!block)
+        ::operator delete(data);
+}
+
+template <>
+ZAXMatValuesData* QSharedDataPointer<ZAXMatValuesData>::clone()
+{
+    const ZAXMatValuesData& shared = *d;
+    return ZAXMatValuesData::Make(shared.GetSchema(), [&](std::size_t i) { return shared.Values()[i]; });
+}
 
 namespace {
 
@@ -116,31 +198,31 @@ ZAXMatValues::~ZAXMatValues() = default;
 const ZAXMatValues::Extensions& ZAXMatValues::GetExtensions() const
 {
     static const Extensions none;
-    return m_data ? std::as_const(m_data->schema)->extensions : none;
+    return m_data ? m_data->GetSchema()->extensions : none;
 }
 
 const ZAXMatValues::Extension* ZAXMatValues::FindExtension(QByteArrayView extension) const
 {
     if (!m_data)
         return nullptr;
-    const Extensions& extensions = m_data->schema->extensions;
+    const Extensions& extensions = m_data->GetSchema()->extensions;
     const auto found = FindName(extensions.begin(), extensions.end(), extension, keyOf);
     return found != extensions.end() ? &*found : nullptr;
 }
 
 const QByteArray& ZAXMatValues::GetProperty(std::size_t position) const
 {
-    return std::as_const(m_data->schema)->properties[position];
+    return m_data->GetSchema()->properties[position];
 }
 
-const QVariant& ZAXMatValues::GetValue(std::size_t position) const
+const ZAXMatValue& ZAXMatValues::GetValue(std::size_t position) const
 {
-    return m_data->values[position];
+    return m_data->Values()[position];
 }
 
-void ZAXMatValues::SetValue(std::size_t position, const QVariant& value)
+void ZAXMatValues::SetValue(std::size_t position, ZAXMatValue value)
 {
-    m_data->values[position] = value;
+    m_data->Values()[position] = std::move(value);
 }
 
 std::size_t ZAXMatValues::PositionOf(QByteArrayView extension, QByteArrayView property) const
@@ -148,60 +230,59 @@ std::size_t ZAXMatValues::PositionOf(QByteArrayView extension, QByteArrayView pr
     const Extension* const table = FindExtension(extension);
     if (!table)
         return nowhere;
-    const QByteArray* const names = m_data->schema->properties.data();
+    const QByteArray* const names = m_data->GetSchema()->properties.data();
     const auto* const end = names + table->end;
     const auto* const found = FindName(names + table->begin, end, property, nameOf);
     return found != end ? std::size_t(found - names) : nowhere;
 }
 
-const QVariant* ZAXMatValues::Find(QByteArrayView extension, QByteArrayView property) const
+const ZAXMatValue* ZAXMatValues::Find(QByteArrayView extension, QByteArrayView property) const
 {
     const std::size_t position = PositionOf(extension, property);
-    return position != nowhere ? &m_data->values[position] : nullptr;
+    return position != nowhere ? &m_data->Values()[position] : nullptr;
 }
 
-bool ZAXMatValues::Insert(const QByteArray& extension, const QByteArray& property, const QVariant& value)
+bool ZAXMatValues::Insert(const QByteArray& extension, const QByteArray& property, ZAXMatValue value)
 {
-    if (!m_data)
-        m_data = new Data(QSharedDataPointer<ZAXMatSchema>(new ZAXMatSchema));
     if (const std::size_t position = PositionOf(extension, property); position != nowhere) {
-        m_data->values[position] = value;
+        SetValue(position, std::move(value));
         return true;
     }
-    Data& data = *m_data;
-    ZAXMatSchema& schema = *data.schema;
-    auto table = std::ranges::lower_bound(schema.extensions, QByteArrayView(extension), IsNameBefore, keyOf);
-    if (table == schema.extensions.end() || table->key != extension) {
-        const std::size_t at = table == schema.extensions.end() ? schema.properties.size() : table->begin;
-        table = schema.extensions.insert(table, {extension, at, at});
+    QSharedDataPointer<ZAXMatSchema> schema(m_data ? std::as_const(m_data)->GetSchema()
+                                                   : ZAXMatValuesData::Schema(new ZAXMatSchema));
+    auto table = std::ranges::lower_bound(schema->extensions, QByteArrayView(extension), IsNameBefore, keyOf);
+    if (table == schema->extensions.end() || table->key != extension) {
+        const std::size_t at = table == schema->extensions.end() ? schema->properties.size() : table->begin;
+        table = schema->extensions.insert(table, {extension, at, at});
     }
-    const auto names = schema.properties.begin();
+    const auto names = schema->properties.begin();
     const auto name =
         std::lower_bound(names + std::ptrdiff_t(table->begin), names + std::ptrdiff_t(table->end), property,
                          [](const QByteArray& a, const QByteArray& b) { return IsNameBefore(a, b); });
-    data.values.insert(data.values.begin() + (name - names), value);
-    schema.properties.insert(name, property);
+    const auto position = std::size_t(name - names);
+    schema->properties.insert(name, property);
     ++table->end;
-    for (auto later = std::next(table); later != schema.extensions.end(); ++later) {
+    for (auto later = std::next(table); later != schema->extensions.end(); ++later) {
         ++later->begin;
         ++later->end;
     }
+    m_data = ZAXMatValuesData::Make(
+        schema, [&](std::size_t i) { return i == position ? std::move(value) : GetValue(i < position ? i : i - 1); });
     return false;
 }
 
 void ZAXMatValues::Remove(QByteArrayView extension, QByteArrayView property)
 {
-    const std::size_t position = std::as_const(*this).PositionOf(extension, property);
+    const std::size_t position = PositionOf(extension, property);
     if (position == nowhere)
         return;
-    Data& data = *m_data;
-    ZAXMatSchema& schema = *data.schema;
-    data.values.erase(data.values.begin() + std::ptrdiff_t(position));
-    schema.properties.erase(schema.properties.begin() + std::ptrdiff_t(position));
-    for (Extension& table : schema.extensions) {
+    QSharedDataPointer<ZAXMatSchema> schema(std::as_const(m_data)->GetSchema());
+    schema->properties.erase(schema->properties.begin() + std::ptrdiff_t(position));
+    for (Extension& table : schema->extensions) {
         table.begin -= table.begin > position ? 1 : 0;
         table.end -= table.end > position ? 1 : 0;
     }
+    m_data = ZAXMatValuesData::Make(schema, [&](std::size_t i) { return GetValue(i < position ? i : i + 1); });
 }
 
 bool ZAXMatValues::operator==(const ZAXMatValues& other) const
@@ -215,11 +296,32 @@ bool ZAXMatValues::operator==(const ZAXMatValues& other) const
         return false;
     if (!m_data || !other.m_data)
         return true;
-    const bool isSameSchema =
-        m_data->schema == other.m_data->schema ||
-        std::ranges::equal(m_data->schema->properties, other.m_data->schema->properties, IsSameName, nameOf, nameOf);
-    return isSameSchema && std::ranges::equal(m_data->values, other.m_data->values, ZAXMatIsSameValue);
+    const bool isSameSchema = m_data->GetSchema() == other.m_data->GetSchema() ||
+                              std::ranges::equal(m_data->GetSchema()->properties, other.m_data->GetSchema()->properties,
+                                                 IsSameName, nameOf, nameOf);
+    const auto isSame = [](const ZAXMatValue& a, const ZAXMatValue& b) { return a.IsSame(b); };
+    return isSameSchema && std::ranges::equal(m_data->Values(), other.m_data->Values(), isSame);
 }
+
+ZAXMatValueLocator::ZAXMatValueLocator(const QByteArray& extension, const QByteArray& property)
+    : m_extension(extension), m_property(property)
+{
+}
+
+const ZAXMatValue* ZAXMatValueLocator::FindIn(const ZAXMatValues& values)
+{
+    if (!values.m_data)
+        return nullptr;
+    if (m_schema.constData() != values.m_data->GetSchema().constData()) {
+        m_schema = values.m_data->GetSchema();
+        m_position = values.PositionOf(m_extension, m_property);
+    }
+    return m_position != nowhere ? &values.GetValue(m_position) : nullptr;
+}
+
+ZAXMatValuesBuilder::ZAXMatValuesBuilder() = default;
+
+ZAXMatValuesBuilder::~ZAXMatValuesBuilder() = default;
 
 void ZAXMatValuesBuilder::Clear()
 {
@@ -232,7 +334,7 @@ void ZAXMatValuesBuilder::AddExtension(QByteArrayView extension)
     m_tables.push_back({extension, m_items.size(), m_items.size()});
 }
 
-void ZAXMatValuesBuilder::AddValue(QByteArrayView property, QVariant value)
+void ZAXMatValuesBuilder::AddValue(QByteArrayView property, ZAXMatValue value)
 {
     m_items.push_back({property, std::move(value)});
     m_tables.back().end = m_items.size();
@@ -296,17 +398,37 @@ QSharedDataPointer<ZAXMatSchema> ZAXMatValuesBuilder::FindSchema() const
                          [this] { return MakeSchema(); });
 }
 
+/// The row of values that what was added belongs to.
+ZAXMatValuesBuilder::Row& ZAXMatValuesBuilder::FindRow()
+{
+    const auto row = std::ranges::find_if(m_rows, [this](const Row& row) {
+        const ZAXMatSchema* const schema = row.schema.constData();
+        return schema && IsOf(*schema);
+    });
+    if (row != m_rows.end())
+        return *row;
+    m_nextRow = (m_nextRow + 1) % m_rows.size();
+    return m_rows[m_nextRow] = Row{FindSchema(), 0, {}};
+}
+
 ZAXMatValues ZAXMatValuesBuilder::Take()
 {
     ZAXMatValues values;
     if (m_tables.empty())
         return values;
-    values.m_data = new ZAXMatValues::Data(FindSchema());
-    values.m_data->values.reserve(std::as_const(values.m_data->schema)->properties.size());
-    for (const Table& table : m_tables) {
-        for (std::size_t i = table.begin; i < table.end; ++i)
-            values.m_data->values.push_back(std::move(m_items[i].value));
-    }
+    Row& row = FindRow();
+    auto table = m_tables.begin();
+    std::size_t item = table->begin;
+    const auto take = [&](std::size_t) {
+        // Behind the items of a table there may be others that were replaced.
+        while (item == table->end)
+            item = (++table)->begin;
+        return std::move(m_items[item++].value);
+    };
+    // A few are not worth a block.
+    constexpr int few = 16;
+    row.size = std::min(row.size + 1, few);
+    values.m_data = ZAXMatValuesData::Make(row.schema, take, row.size == few ? &row.block : nullptr);
     Clear();
     return values;
 }

@@ -4,8 +4,10 @@
 #include <QJsonObject>
 #include <QRandomGenerator>
 #include <QTest>
+#include <QThread>
 
 #include <bit>
+#include <memory>
 
 namespace {
 
@@ -87,6 +89,20 @@ bool IsWellFormed(const QByteArray& text)
     return QJsonDocument::fromJson(text).isObject();
 }
 
+/// A catalogue of \a count records of two kinds in turns, each with its number in all of its values.
+QByteArray TwoKinds(int count)
+{
+    QByteArray text = "{";
+    for (int i = 0; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        const QByteArray key = number.rightJustified(6, '0');
+        const QByteArray values = i % 2 == 0 ? "{'':{'comment':'c" + number + "','thickness':" + number + ".5}}"
+                                             : "{'':{'length':" + number + "},'A':{'cost':" + number + ",'x':null}}";
+        text += (i > 0 ? ",'" : "'") + key + "':{'key':'" + key + "','properties':" + values + "}";
+    }
+    return Json(text + "}");
+}
+
 } // namespace
 
 class tst_ZAXMatCatalogueReader : public QObject
@@ -99,6 +115,8 @@ private slots:
     void theRestIsLeftToQt_data();
     void theRestIsLeftToQt();
     void equalTextsAreShared();
+    void recordsOutliveTheOthersOfTheirFile();
+    void recordsOfOneFileChangeByThemselves();
     void damagedTextsAreReadAsQtReadsThemOrLeftToQt();
     void randomNumbersAreReadAsQtReadsThem();
 };
@@ -252,6 +270,44 @@ void tst_ZAXMatCatalogueReader::equalTextsAreShared()
     const ZAXMatDefinition& other = records->back();
     QCOMPARE(one.GetName().constData(), other.GetName().constData());
     QCOMPARE(one.GetValue("form").toString().constData(), other.GetValue("form").toString().constData());
+}
+
+void tst_ZAXMatCatalogueReader::recordsOutliveTheOthersOfTheirFile()
+{
+    QList<ZAXMatDefinition> kept;
+    {
+        const auto records = ZAXMatCatalogueReader(TwoKinds(3000)).Read();
+        QVERIFY(records);
+        for (const int i : {0, 1, 15, 16, 40, 1000, 1001, 2999})
+            kept.append(records->at(i));
+    }
+    QCOMPARE(kept.at(0).GetValue("thickness"), QVariant(0.5));
+    QCOMPARE(kept.at(1).GetValue("cost", "A"), QVariant(qlonglong(1)));
+    QCOMPARE(kept.at(2).GetValue("length"), QVariant(qlonglong(15)));
+    QCOMPARE(kept.at(3).GetValue("comment"), QVariant(QStringLiteral("c16")));
+    QCOMPARE(kept.at(5).GetValue("thickness"), QVariant(1000.5));
+    QCOMPARE(kept.at(7).GetValue("cost", "A"), QVariant(qlonglong(2999)));
+    const std::unique_ptr<QThread> thread(QThread::create([&kept] { kept.clear(); }));
+    thread->start();
+    QVERIFY(thread->wait());
+    QVERIFY(kept.isEmpty());
+}
+
+void tst_ZAXMatCatalogueReader::recordsOfOneFileChangeByThemselves()
+{
+    auto records = ZAXMatCatalogueReader(TwoKinds(100)).Read();
+    QVERIFY(records);
+    const ZAXMatDefinition before = records->at(50);
+    (*records)[50].SetValue("thickness", QVariant(7.0));
+    (*records)[52].RemoveAllowedProperty("", "thickness");
+    (*records)[54].SetValue("density", QVariant(7.85));
+    QCOMPARE(before.GetValue("thickness"), QVariant(50.5));
+    QCOMPARE(records->at(48).GetValue("thickness"), QVariant(48.5));
+    QCOMPARE(records->at(50).GetValue("thickness"), QVariant(7.0));
+    QCOMPARE(records->at(52).GetDefinedProperties(""), QList<QByteArray>{"comment"});
+    QCOMPARE(records->at(54).GetValue("density"), QVariant(7.85));
+    QCOMPARE(records->at(54).GetValue("comment"), QVariant(QStringLiteral("c54")));
+    QCOMPARE(records->at(56).GetValue("thickness"), QVariant(56.5));
 }
 
 void tst_ZAXMatCatalogueReader::damagedTextsAreReadAsQtReadsThemOrLeftToQt()

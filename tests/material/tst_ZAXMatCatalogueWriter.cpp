@@ -182,6 +182,8 @@ void tst_ZAXMatCatalogueWriter::theRestIsLeftToQt_data()
     QTest::newRow("property beyond ASCII") << QByteArray() << QByteArray() << QByteArray("\xe5") << QVariant();
     QTest::newRow("list") << QByteArray() << QByteArray() << QByteArray() << QVariant(QVariantList{1});
     QTest::newRow("texts") << QByteArray() << QByteArray() << QByteArray() << QVariant(QStringList{QLatin1String("a")});
+    QTest::newRow("what is left out") << QByteArray() << QByteArray() << QByteArray()
+                                      << QVariant::fromValue(QJsonValue(QJsonValue::Undefined));
     QTest::newRow("map") << QByteArray() << QByteArray() << QByteArray() << QVariant(QVariantMap());
 }
 

@@ -186,6 +186,8 @@ private slots:
     void theLastOfSeveralRecordsWithOneKeyStays();
     void loadedRecordsReportAChangeUnlessEmpty();
     void theLastLinkedPackagingComesFirst();
+    void aPackagingThatIsThereTwiceIsLinkedTwice();
+    void linksKeepTheirOrderWhenAPackagingGoes();
     void unknownKeysGiveInvalidRecords();
     void aChangedFileIsReadByEveryOperationOnRecords_data();
     void aChangedFileIsReadByEveryOperationOnRecords();
@@ -542,6 +544,31 @@ void tst_ZAXMatJsonFileProvider::theLastLinkedPackagingComesFirst()
     QCOMPARE(provider.GetPackagingKeys("m"), (Keys{"p3", "p2", "p1"}));
     const QByteArray created = provider.CreatePackaging(Text("Sheet"), "m").GetKey();
     QCOMPARE(provider.GetPackagingKeys("m"), (Keys{created, "p3", "p2", "p1"}));
+}
+
+void tst_ZAXMatJsonFileProvider::aPackagingThatIsThereTwiceIsLinkedTwice()
+{
+    CatalogueFolder folder;
+    // Member names count for nothing but the order.
+    folder.Write(Json("{'a':{'key':'p','type':1,'materialKey':'m'},'b':{'key':'q','type':1,'materialKey':'m'},"
+                      "'c':{'key':'p','type':1,'materialKey':'n'},'d':{'key':'q','type':1,'materialKey':'m'}}"));
+    ZAXMatJsonFileProvider provider(folder.Path());
+    QCOMPARE(provider.GetPackagingKeys("m"), (Keys{"q", "q", "p"}));
+    QCOMPARE(provider.GetPackagingKeys("n"), Keys{"p"});
+    QCOMPARE(provider.GetPackaging("p").GetMaterialKey(), QByteArray("n"));
+}
+
+void tst_ZAXMatJsonFileProvider::linksKeepTheirOrderWhenAPackagingGoes()
+{
+    CatalogueFolder folder;
+    folder.Write(Catalogue(
+        {PackagingText("p1", "m"), PackagingText("p2", "m"), PackagingText("p3", "m"), PackagingText("p4", "m")}));
+    ZAXMatJsonFileProvider provider(folder.Path());
+    // Before anybody has asked for a link.
+    QVERIFY(provider.RemovePackaging("p1"));
+    QCOMPARE(provider.GetPackagingKeys("m"), (Keys{"p4", "p3", "p2"}));
+    QVERIFY(provider.RemovePackaging("p3"));
+    QCOMPARE(provider.GetPackagingKeys("m"), (Keys{"p4", "p2"}));
 }
 
 void tst_ZAXMatJsonFileProvider::unknownKeysGiveInvalidRecords()

@@ -1,10 +1,10 @@
 #include "CatalogueFile.h"
 
 #include "Failure.h"
+#include "FileContents.h"
 #include "Text.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QStandardPaths>
@@ -68,11 +68,10 @@ QByteArray ReadCatalogueFile(const QString& path)
     const QFileInfo info(path);
     if (info.exists() && !info.isFile())
         throw Unreadable(path, Text::tr("it is no file"));
-    QFile file(path);
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    if (file.error() != QFile::NoError)
-        throw Unreadable(path, file.errorString());
-    return bytes;
+    const FileContents contents = ReadFileContents(path);
+    if (!contents.IsRead())
+        throw Unreadable(path, contents.failure);
+    return contents.bytes;
 }
 
 QJsonObject ParseCatalogue(const QString& path, const QByteArray& bytes)

@@ -1,5 +1,7 @@
 #include "CautiousFileSystem.h"
 
+#include "FileContents.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -15,11 +17,8 @@ namespace {
 /// What the file holds; nothing when it cannot be read.
 std::optional<QByteArray> ContentsOf(const QByteArray& path)
 {
-    QFile file(QFile::decodeName(path));
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QByteArray bytes = file.readAll();
-    return file.error() == QFile::NoError ? std::optional(std::move(bytes)) : std::nullopt;
+    const FileContents contents = ReadFileContents(QFile::decodeName(path));
+    return contents.IsRead() ? std::optional(contents.bytes) : std::nullopt;
 }
 
 int RenameWith(unsigned int flags, const QByteArray& from, const QByteArray& to)

@@ -3,6 +3,7 @@
 #include "CatalogueFile.h"
 #include "CautiousFileSystem.h"
 #include "Failure.h"
+#include "FileContents.h"
 #include "Text.h"
 
 #include "ZAXHostFileSaver.h"
@@ -20,13 +21,6 @@ Failure Unwritable(const QString& path, const QString& why)
 {
     return {ExitCode::FileFailure,
             Text::tr("%1 cannot be written: %2. The catalogue is as it was.").arg(QuotedPath(path), why)};
-}
-
-/// What the file holds; null when it cannot be read.
-QByteArray BytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace
@@ -53,7 +47,8 @@ QString KeepCopy(const QString& path, const QByteArray& bytes, QLatin1String suf
         copy.remove();
         throw failure(reason);
     }
-    if (BytesOf(copy.fileName()) != bytes)
+    const FileContents written = ReadFileContents(copy.fileName());
+    if (!written.IsRead() || written.bytes != bytes)
         throw failure(Text::tr("it does not hold what was written"));
     return copy.fileName();
 }

@@ -3,6 +3,7 @@
 #include "CatalogueEditor.h"
 #include "Csv.h"
 #include "Failure.h"
+#include "FileContents.h"
 #include "ImportPlan.h"
 #include "Output.h"
 #include "Progress.h"
@@ -12,7 +13,6 @@
 #include "Text.h"
 #include "Twins.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -26,16 +26,12 @@ using Kind = ImportedRow::Kind;
 
 CsvTable ReadFile(const QString& path)
 {
-    QFile file(path);
-    const bool isOpen = !QFileInfo(path).isDir() && file.open(QIODevice::ReadOnly);
-    const QByteArray bytes = isOpen ? file.readAll() : QByteArray();
-    if (!isOpen || file.error() != QFile::NoError)
-        throw Failure(
-            ExitCode::FileFailure,
-            Text::tr("The file %1 cannot be read: %2.")
-                .arg(QuotedPath(path), QFileInfo(path).isDir() ? Text::tr("it is no file") : file.errorString()));
+    const FileContents contents = ReadFileContents(path);
+    if (!contents.IsRead())
+        throw Failure(ExitCode::FileFailure,
+                      Text::tr("The file %1 cannot be read: %2.").arg(QuotedPath(path), contents.failure));
     try {
-        return ReadCsv(bytes);
+        return ReadCsv(contents.bytes);
     } catch (const CsvError& error) {
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The file %1 cannot be understood, line %2: %3.")

@@ -2,11 +2,11 @@
 
 #include "CommandOptions.h"
 #include "Failure.h"
+#include "FileContents.h"
 #include "FileReplacement.h"
 #include "Output.h"
 #include "Text.h"
 
-#include <QFile>
 #include <QJsonObject>
 #include <QStringList>
 
@@ -30,12 +30,11 @@ QLatin1String KindName(ZAXHostProblem::Kind kind)
 /// \throws Failure (FileFailure) when the file \a path cannot be read.
 QByteArray BytesOf(const QString& path)
 {
-    QFile file(path);
-    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    if (file.error() != QFile::NoError)
+    const FileContents contents = ReadFileContents(path);
+    if (!contents.IsRead())
         throw Failure(ExitCode::FileFailure,
-                      Text::tr("The document %1 cannot be read: %2.").arg(QuotedPath(path), file.errorString()));
-    return bytes;
+                      Text::tr("The document %1 cannot be read: %2.").arg(QuotedPath(path), contents.failure));
+    return contents.bytes;
 }
 
 } // namespace

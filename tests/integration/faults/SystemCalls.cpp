@@ -8,6 +8,7 @@
 
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -22,7 +23,7 @@ struct Plan
     int count = 0;
 };
 
-std::array<Plan, 5> plans;
+std::array<Plan, 6> plans;
 bool isHeldUp = false;
 
 /// Carries out what is planned for the next call of the kind. False when that is to fail.
@@ -118,6 +119,13 @@ __attribute__((visibility("default"))) int rename(const char* from, const char* 
     using Function = int (*)(const char*, const char*);
     static const auto next = Next<Function>("rename");
     return Begin(SystemCalls::Rename) ? next(from, to) : -1;
+}
+
+__attribute__((visibility("default"))) int fstat(int file, struct stat* status) noexcept
+{
+    using Function = int (*)(int, struct stat*);
+    static const auto next = Next<Function>("fstat");
+    return Begin(SystemCalls::Status) ? next(file, status) : -1;
 }
 
 __attribute__((visibility("default"))) int ftruncate64(int file, off64_t size) noexcept

@@ -14,6 +14,8 @@ enum Call
     Write,
     Rename,
     Truncate,
+    /// Of a file that is open.
+    Status,
 };
 
 /// For as long as it lives, a call of one kind is held up: just before the \a nth one, counted from 0, \a action runs.

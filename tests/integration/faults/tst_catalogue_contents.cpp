@@ -52,6 +52,7 @@ private slots:
     void aValueIsReadAndWritten_data();
     void aValueIsReadAndWritten();
     void thereIsRoomForADeepValue();
+    void aValueTooDeepToBeReadIsNotWritten();
     void ofWhatIsThereTwiceTheLastCounts_data();
     void ofWhatIsThereTwiceTheLastCounts();
     void aByteOrderMarkIsPassedOver();
@@ -131,6 +132,24 @@ void tst_catalogue_contents::thereIsRoomForADeepValue()
     const QByteArray once = Rewritten(folder, text);
     QCOMPARE(Compact(once), Compact(text));
     QCOMPARE(Rewritten(folder, once), once);
+}
+
+void tst_catalogue_contents::aValueTooDeepToBeReadIsNotWritten()
+{
+    CatalogueFolder folder;
+    const QByteArray text = CatalogueOf({MaterialText("k")});
+    folder.Write(text);
+    ZAXMatJsonFileProvider provider(folder.Path());
+    ZAXMatDefinition material = provider.GetMaterial("k");
+    QVariant deep;
+    for (int level = 0; level < 1025; ++level)
+        deep = QVariantList{deep};
+    material.SetValue("own", deep);
+    QVERIFY(provider.Update(material));
+    ExpectWarning(QLatin1String("^Cannot write .*/materials\\.json: too deeply nested document$"));
+    provider.Commit();
+    QCOMPARE(folder.Read(), text);
+    QVERIFY(provider.GetMaterial("k").IsDefined("own"));
 }
 
 void tst_catalogue_contents::ofWhatIsThereTwiceTheLastCounts_data()

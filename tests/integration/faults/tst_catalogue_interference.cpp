@@ -6,6 +6,7 @@
 #include <QLoggingCategory>
 #include <QTest>
 
+#include <cerrno>
 #include <memory>
 
 // Other programs change a catalogue's file between any two operations of the provider, and between any two calls that
@@ -131,9 +132,13 @@ private slots:
 
     void aChangeWhileTheFileIsReadIsSeenNext_data();
     void aChangeWhileTheFileIsReadIsSeenNext();
+    void theTimeKeptIsThatOfTheFileThatIsRead();
     void aFileThatGoesWhileItIsReadLeavesTheCatalogue();
     void ofTwoThatWriteTheLastOneWins_data();
     void ofTwoThatWriteTheLastOneWins();
+    void ofTwoThatWriteInPlaceTheLastOneWins_data();
+    void ofTwoThatWriteInPlaceTheLastOneWins();
+    void aFileThatOthersWroteBeforeAFailureInPlaceIsReadNext();
     void commitThatCannotTakeThePlaceOfTheFileLeavesIt();
 };
 
@@ -283,6 +288,21 @@ void tst_catalogue_interference::aChangeWhileTheFileIsReadIsSeenNext()
     QCOMPARE(ContentOf(*provider), ContentOf(*Open("expected", folder)));
 }
 
+void tst_catalogue_interference::theTimeKeptIsThatOfTheFileThatIsRead()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    const auto provider = Open("tested", folder);
+    folder.Write(First() + " ");
+    {
+        // The file that is open is no longer the one under this name: the other is read by the next operation.
+        const SystemCalls::Interruption meanwhile(SystemCalls::Status, 0, [&] { Replace(folder, Second()); });
+        QCOMPARE(provider->GetMaterialKeys().size(), 2);
+        QVERIFY(meanwhile.Count() > 0);
+    }
+    QCOMPARE(provider->GetMaterialKeys().size(), 3);
+}
+
 void tst_catalogue_interference::aFileThatGoesWhileItIsReadLeavesTheCatalogue()
 {
     CatalogueFolder folder;
@@ -324,6 +344,54 @@ void tst_catalogue_interference::ofTwoThatWriteTheLastOneWins()
     }
     QCOMPARE(ContentOf(*provider), expected);
     QCOMPARE(ContentOf(*Open("again", folder)), expected);
+}
+
+void tst_catalogue_interference::ofTwoThatWriteInPlaceTheLastOneWins_data()
+{
+    QTest::addColumn<SystemCalls::Call>("call");
+    QTest::addColumn<int>("nth");
+    QTest::newRow("before the file is opened") << SystemCalls::Open << 1;
+    QTest::newRow("before it is read") << SystemCalls::Read << 0;
+    QTest::newRow("before it is written") << SystemCalls::Write << 0;
+}
+
+void tst_catalogue_interference::ofTwoThatWriteInPlaceTheLastOneWins()
+{
+    QFETCH(const SystemCalls::Call, call);
+    QFETCH(const int, nth);
+    CatalogueFolder folder;
+    folder.Write(First());
+    const auto provider = Open("tested", folder);
+    UpdateMaterial(*provider);
+    const QStringList expected = ContentOf(*provider);
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    {
+        const OrdinaryUser user;
+        const SystemCalls::Interruption meanwhile(call, nth, [&] { folder.Write(Second() + QByteArray(9000, ' ')); });
+        provider->Commit();
+        QVERIFY(meanwhile.Count() > nth);
+    }
+    QCOMPARE(ContentOf(*provider), expected);
+    QCOMPARE(ContentOf(*Open("again", folder)), expected);
+}
+
+void tst_catalogue_interference::aFileThatOthersWroteBeforeAFailureInPlaceIsReadNext()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    const auto provider = Open("tested", folder);
+    UpdateMaterial(*provider);
+    folder.Write(Second());
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    {
+        const OrdinaryUser user;
+        const SystemCalls::Failure failure(SystemCalls::Write, 0, ENOSPC, 1);
+        provider->Commit();
+    }
+    QCOMPARE(folder.Read(), Second());
+    QCOMPARE(ContentOf(*provider), ContentOf(*Open("expected", folder)));
 }
 
 void tst_catalogue_interference::commitThatCannotTakeThePlaceOfTheFileLeavesIt()

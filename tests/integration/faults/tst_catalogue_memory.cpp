@@ -7,7 +7,7 @@
 
 #include <sys/resource.h>
 
-// A file that is larger than any catalogue. It is sparse: it takes no room on the disk.
+// A file that is larger than any catalogue.
 
 namespace {
 
@@ -45,13 +45,35 @@ private:
     rlimit m_limit{};
 };
 
-/// A catalogue and then nothing but zeros.
+/// A catalogue and then nothing but zeros, which take no room on the disk.
 void MakeHuge(CatalogueFolder& folder)
 {
     folder.Write(First());
     QFile file(folder.FilePath());
     QVERIFY(file.resize(fileSize));
     folder.SetTime(QDateTime(QDate(2030, 1, 1), QTime(12, 0)));
+}
+
+/// A catalogue and then nothing but white space.
+void MakeHugeWithSpace(CatalogueFolder& folder)
+{
+    folder.Write(First());
+    QFile file(folder.FilePath());
+    QVERIFY(file.open(QIODevice::Append));
+    const QByteArray space(megabyte, ' ');
+    for (qint64 size = file.size(); size < fileSize; size += space.size())
+        QCOMPARE(file.write(space), space.size());
+    file.close();
+    folder.SetTime(QDateTime(QDate(2030, 1, 1), QTime(12, 0)));
+}
+
+/// That the memory in use was at most the text itself and little else, which is not kept.
+void VerifyMemory()
+{
+    const qint64 peak = StatusOf("VmHWM");
+    QVERIFY2(peak < fileSize + 100 * megabyte, qPrintable(QString::number(peak)));
+    const qint64 kept = StatusOf("VmRSS");
+    QVERIFY2(kept < 100 * megabyte, qPrintable(QString::number(kept)));
 }
 
 } // namespace
@@ -62,6 +84,7 @@ class tst_catalogue_memory : public QObject
 
 private slots:
     void aHugeFileIsMalformed();
+    void aHugeCatalogueIsRead();
     void aFileForWhichThereIsNoMemoryLeavesTheCatalogue();
     void aCatalogueForWhichThereIsNoMemoryIsNotWritten();
 };
@@ -77,12 +100,17 @@ void tst_catalogue_memory::aHugeFileIsMalformed()
     const ZAXMatJsonFileProvider provider(folder.Path());
     QCOMPARE(provider.GetMaterialKeys(), QByteArrayList());
     QVERIFY2(timer.elapsed() < 60000, qPrintable(QString::number(timer.elapsed())));
-    // The text itself, and little else.
-    const qint64 peak = StatusOf("VmHWM");
-    QVERIFY2(peak < fileSize + 100 * megabyte, qPrintable(QString::number(peak)));
-    // Which is not kept.
-    const qint64 kept = StatusOf("VmRSS");
-    QVERIFY2(kept < 100 * megabyte, qPrintable(QString::number(kept)));
+    VerifyMemory();
+}
+
+void tst_catalogue_memory::aHugeCatalogueIsRead()
+{
+    CatalogueFolder folder;
+    MakeHugeWithSpace(folder);
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList{"a"});
+    QCOMPARE(provider.GetPackagingKeys("a"), QByteArrayList{"p"});
+    VerifyMemory();
 }
 
 void tst_catalogue_memory::aFileForWhichThereIsNoMemoryLeavesTheCatalogue()

@@ -39,6 +39,8 @@ private slots:
     void aDiskThatFailsLeavesTheFile_data();
     void aDiskThatFailsLeavesTheFile();
     void aFileWrittenInPlaceThatCannotBeCutStays();
+    void aFileThatCannotBeReadIsNotWrittenInPlace_data();
+    void aFileThatCannotBeReadIsNotWrittenInPlace();
     void aReadThatFailsOnceGoesOn_data();
     void aReadThatFailsOnceGoesOn();
 };
@@ -178,6 +180,35 @@ void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
     }
     QCOMPARE(folder.Read(), First());
     QCOMPARE(provider.GetMaterialKeys(), QByteArrayList());
+}
+
+void tst_catalogue_resources::aFileThatCannotBeReadIsNotWrittenInPlace_data()
+{
+    QTest::addColumn<int>("nth");
+    QTest::newRow("from its start") << 0;
+    QTest::newRow("from its middle") << 1;
+    QTest::newRow("at its end") << 40;
+}
+
+void tst_catalogue_resources::aFileThatCannotBeReadIsNotWrittenInPlace()
+{
+    QFETCH(const int, nth);
+    CatalogueFolder folder;
+    folder.Write(Second());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    QVERIFY(provider.RemoveMaterial("b"));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const OrdinaryUser user;
+        // Once it is written in part, only what was read before can be put back.
+        const SystemCalls::Failure unread(SystemCalls::Read, nth, EIO);
+        const SystemCalls::Failure unwritten(SystemCalls::Write, 1, ENOSPC);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), Second());
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList{"c"});
 }
 
 void tst_catalogue_resources::aReadThatFailsOnceGoesOn_data()
