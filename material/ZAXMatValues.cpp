@@ -267,7 +267,7 @@ bool ZAXMatValues::Insert(const QByteArray& extension, const QByteArray& propert
         ++later->end;
     }
     m_data = ZAXMatValuesData::Make(
-        schema, [&](std::size_t i) { return i == position ? std::move(value) : GetValue(i < position ? i : i - 1); });
+        schema, [&](std::size_t i) { return i == position ? value : GetValue(i < position ? i : i - 1); });
     return false;
 }
 

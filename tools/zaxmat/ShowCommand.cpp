@@ -123,12 +123,13 @@ Table ValueTable(const QList<ZAXMatDefinition>& records)
         const QList<QByteArray> extensions = ExtensionsOf(record);
         for (const QByteArray& extension : extensions) {
             const QList<QByteArray> properties = PropertiesOf(record, extension);
-            for (const QByteArray& property : properties)
+            for (const QByteArray& property : properties) {
                 table.AddRow({TypeCell(record.GetType()),
                               KeyCell(record.GetKey()),
                               record.GetName(),
                               FieldName(extension, property),
                               {QString(), RecordJson(record, property, extension)}});
+            }
         }
     }
     return table;
