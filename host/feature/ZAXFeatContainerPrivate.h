@@ -5,8 +5,12 @@
 
 #include "ZAXFeatContainer.h"
 
+#include "ZAXFeatClass.h"
+
 #include <QHash>
 #include <QList>
+
+#include <memory>
 
 class ZAXFeatChangeObserver;
 class ZAXFeatLoading;
@@ -20,6 +24,9 @@ public:
 
     /// Destroys the features at the top and those aside, last to first, and with them all others.
     void DestroyAll();
+
+    /// What is known about the class \a type, shared by its features.
+    std::shared_ptr<ZAXFeatClass> FindClass(const QMetaObject* type);
 
     /// The features without a parent, in order.
     QList<ZAXFeatObject*> roots;
@@ -39,6 +46,9 @@ public:
     int openOperations = 0;
     /// Former states are being restored: nobody chose the values that are set now.
     bool isRestoring = false;
+
+private:
+    QHash<const QMetaObject*, std::weak_ptr<ZAXFeatClass>> m_classes;
 };
 
 /// An operation on features of a container: a step of its observer, if it has one.

@@ -1,5 +1,6 @@
 #include "ZAXFeatObjectPrivate.h"
 
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObjectListPropertyBase.h"
 #include "ZAXFeatObjectPropertyBase.h"
@@ -292,6 +293,16 @@ void ZAXFeatObjectPrivate::EndModify()
     --closings;
     if (container)
         --ZAXFeatContainerPrivate::Get(*container).openOperations;
+}
+
+const std::shared_ptr<ZAXFeatClass>& ZAXFeatObjectPrivate::Class()
+{
+    // Another one than before while the feature is being made or destroyed.
+    const QMetaObject* const type = q->metaObject();
+    if (!m_class || m_class->GetType() != type)
+        m_class =
+            container ? ZAXFeatContainerPrivate::Get(*container).FindClass(type) : std::make_shared<ZAXFeatClass>(type);
+    return m_class;
 }
 
 ZAXFeatValuePropertyBase* ZAXFeatObjectPrivate::FindValueProperty(int index) const

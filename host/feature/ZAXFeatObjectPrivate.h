@@ -9,6 +9,9 @@
 #include <QPointer>
 #include <QSet>
 
+#include <memory>
+
+class ZAXFeatClass;
 class ZAXFeatObjectPropertyBase;
 class ZAXFeatValuePropertyBase;
 
@@ -64,6 +67,9 @@ public:
     /// Whether a change of a feature of the subtree is under way, or any is being told about: whoever does that goes on
     /// with the feature afterwards.
     bool IsInUse() const;
+
+    /// What is known about the class that the feature is of at present.
+    const std::shared_ptr<ZAXFeatClass>& Class();
 
     /// Whether nobody is connected to \a signal.
     bool IsUnheard(const QMetaMethod& signal) const { return !q->isSignalConnected(signal); }
@@ -124,6 +130,8 @@ public:
     ZAXFeatChangeObserver* Observer() const;
 
 private:
+    std::shared_ptr<ZAXFeatClass> m_class;
+
     void AppendAllChildren(QList<ZAXFeatObject*>& features) const;
     QList<ZAXFeatObject*>* Siblings() const;
     /// AttachTo() for a feature that Detach() took out.
