@@ -38,8 +38,8 @@ public:
     ZAXFeatChangeObserver* observer = nullptr;
     /// While features are loaded that nobody knows yet; null else.
     ZAXFeatLoading* loading = nullptr;
-    /// Grows when a feature gets a place in the tree, loses it, or begins to be destroyed. Never 0.
-    quint64 treeVersion = 1;
+    /// How many features at the top keep lists of what is below them.
+    int listing = 0;
     /// How many signals about changes are being raised, one within another.
     int signalDepth = 0;
     /// How many changes of features and steps are open. A feature that is removed meanwhile may still be at work.
