@@ -71,8 +71,11 @@ public:
     {
     }
 
-    /// Takes over what \a feature has now; false when that is as before.
-    bool Close(const ZAXFeatObject& feature) { return ZAXHostUndoStep::CloseValue(m_value, feature); }
+    /// Takes over what \a feature has now; false when its state is as before.
+    bool Close(const ZAXFeatObject& feature)
+    {
+        return ZAXHostUndoStep::CloseValue(m_value, feature) && ZAXHostUndoStep::IsSaved(m_value, feature);
+    }
 
 private:
     QString Restore(ZAXHostUndoStep::Direction direction) override;
@@ -324,7 +327,14 @@ void ZAXHostUndoPrivate::PushValue(quint64 id, ZAXHostUndoStep::Value&& before, 
 {
     auto command = std::make_unique<ValueCommand>(this, id, std::move(before));
     const ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, id);
-    if (feature && command->Close(*feature)) {
+    bool isChanged = false;
+    try {
+        isChanged = feature && command->Close(*feature);
+    } catch (const std::exception& exception) {
+        qCWarning(logUndo, "A change cannot be taken back: %s", exception.what());
+        stack.resetClean();
+    }
+    if (isChanged) {
         const QString& name = text.isEmpty() ? NameOf(ZAXHostUndoStep::DescribeChange(feature)) : text;
         Push(std::move(command), name);
     }

@@ -1,5 +1,6 @@
 #include "ZAXHostUndoStep.h"
 
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainer.h"
 #include "ZAXFeatObject.h"
 #include "ZAXFeatObjectPrivate.h"
@@ -81,6 +82,15 @@ private:
 
     QList<std::pair<ZAXFeatValuePropertyBase*, ZAXFeatKeptValue>> m_present;
 };
+
+/// Has changes of \a values be looked at each time: a class may save them at times only.
+void LookAgain(const ZAXHostUndoStep::Values& values, const ZAXFeatObject& feature)
+{
+    for (const ZAXHostUndoStep::Value& value : values) {
+        if (auto* const property = ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property))
+            property->isSaved = false;
+    }
+}
 
 /// The state of \a feature with other \a values. \throws what Save() throws.
 QByteArray StateWith(const ZAXFeatObject& feature, const ZAXHostUndoStep::Values& values, KeptValue wanted)
@@ -229,6 +239,32 @@ bool ZAXHostUndoStep::CloseValue(Value& value, const ZAXFeatObject& feature)
     return !ZAXFeatKeptValues::IsSame(value.before, value.after);
 }
 
+bool ZAXHostUndoStep::IsSaved(const Value& value, const ZAXFeatObject& feature)
+{
+    const auto* const property = ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property);
+    return (property && property->isSaved) || AreSaved({value}, feature);
+}
+
+bool ZAXHostUndoStep::AreSaved(const Values& values, const ZAXFeatObject& feature)
+{
+    const auto find = [&](const Value& value) {
+        return ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property);
+    };
+    const auto isKnown = [&](const Value& value) {
+        const auto* const property = find(value);
+        return property && property->isSaved;
+    };
+    if (std::ranges::any_of(values, isKnown))
+        return true;
+    // One that cannot be saved tells nothing.
+    bool areSaved = true;
+    const bool isSeen = Try(
+        [&] { areSaved = StateWith(feature, values, &Value::before) != StateWith(feature, values, &Value::after); });
+    if (auto* const property = find(values.front()); property && isSeen && areSaved && values.size() == 1)
+        property->isSaved = true;
+    return areSaved;
+}
+
 qsizetype ZAXHostUndoStep::IndexOfState(quint64 id) const
 {
     if (!stateIndex.isEmpty())
@@ -292,9 +328,13 @@ QList<quint64> ZAXHostUndoStep::Close(const ZAXFeatContainer& container)
         if (!state.values.isEmpty()) {
             const auto before = std::exchange(state.values, {});
             for (Value value : before) {
-                if (feature && CloseValue(value, *feature))
-                    state.values.append(std::move(value));
+                isComplete &= Try([&] {
+                    if (feature && CloseValue(value, *feature))
+                        state.values.append(std::move(value));
+                });
             }
+            if (!state.values.isEmpty() && !AreSaved(state.values, *feature))
+                state.values.clear();
             continue;
         }
         const auto after = feature ? StateOf(*feature) : state.before;
@@ -379,6 +419,8 @@ ZAXHostUndoStep ZAXHostUndoStep::Whole(const ZAXFeatContainer& container, Direct
                 StateWith(*feature, state.values, direction == Forth ? &Value::after : &Value::before);
             whole.states.append(direction == Forth ? State{state.id, present, wanted, {}}
                                                    : State{state.id, wanted, present, {}});
+            if (present == wanted)
+                LookAgain(state.values, *feature);
         } catch (const std::exception& exception) {
             failure = QString::fromUtf8(exception.what());
             if (failure.isEmpty())

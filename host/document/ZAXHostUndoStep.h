@@ -117,6 +117,11 @@ public:
     static bool IsFound(const ZAXFeatValuePropertyBase& property);
     /// Adds the value that the property of \a feature has now; false when it is as before.
     static bool CloseValue(Value& value, const ZAXFeatObject& feature);
+    /// Whether the change of \a values is one of what is saved of \a feature: a value that only the running program
+    /// knows is no part of the feature's state. Saves the feature to see that, until a change of one of the properties
+    /// has been seen to matter.
+    static bool AreSaved(const Values& values, const ZAXFeatObject& feature);
+    static bool IsSaved(const Value& value, const ZAXFeatObject& feature);
 
     /// The feature with \a id, be it in the tree or aside; null when it is gone.
     static ZAXFeatObject* Find(const ZAXFeatContainer& container, quint64 id);

@@ -12,7 +12,7 @@
 
 /// What the host has looked up about a class of features. Kept by the features of that class, and gone with the last of
 /// them: the module that the class is part of may leave then.
-class ZAXFeatClass
+class ZAXFEATURE_EXPORT ZAXFeatClass
 {
 public:
     struct Property

@@ -18,6 +18,37 @@
 
 namespace {
 
+/// A value that cannot be kept at times.
+struct Frail
+{
+    int number = 0;
+
+    friend bool operator==(const Frail&, const Frail&) = default;
+    friend QDataStream& operator<<(QDataStream& stream, const Frail& frail)
+    {
+        ZAXProbeData::Run("keeping");
+        if (frail.number == 13)
+            throw std::runtime_error("No such number is kept.");
+        return stream << frail.number;
+    }
+    friend QDataStream& operator>>(QDataStream& stream, Frail& frail) { return stream >> frail.number; }
+};
+
+/// A number that takes the note along, in the middle of its own change.
+class LeadingProperty : public ZAXFeatValueProperty<double>
+{
+public:
+    using ZAXFeatValueProperty::ZAXFeatValueProperty;
+
+    void EndModify(bool silent) override
+    {
+        follower->SetValue(QString::number(GetValue()), silent);
+        ZAXFeatValueProperty::EndModify(silent);
+    }
+
+    ZAXFeatValueProperty<QString>* follower = nullptr;
+};
+
 /// A text that labels its feature in the middle of its own change.
 class TitleProperty : public ZAXFeatValueProperty<QString>
 {
@@ -41,13 +72,18 @@ class ZAXProbeSheet : public ZAXProbePart
     Q_PROPERTY(QByteArray key READ GetKey)
     Q_PROPERTY(bool isOn READ IsOn)
     Q_PROPERTY(QString title READ GetTitle)
+    Q_PROPERTY(double lead READ GetLead)
+    Q_PROPERTY(double shown READ GetShown NOTIFY ShownChanged)
+    Q_PROPERTY(QString remark READ GetRemark)
+    Q_PROPERTY(Frail frail READ GetFrail)
 
 public:
     Q_INVOKABLE ZAXProbeSheet(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference)
         : ZAXProbePart(container, reference)
     {
+        lead.follower = &note;
     }
-    Q_INVOKABLE explicit ZAXProbeSheet(ZAXFeatContainer* container) : ZAXProbePart(container) {}
+    Q_INVOKABLE explicit ZAXProbeSheet(ZAXFeatContainer* container) : ZAXProbePart(container) { lead.follower = &note; }
 
     QString GetNote() const { return note.GetValue(); }
     double GetWeight() const { return weight.GetValue(); }
@@ -55,19 +91,31 @@ public:
     QByteArray GetKey() const { return key.GetValue(); }
     bool IsOn() const { return isOn.GetValue(); }
     QString GetTitle() const { return title.GetValue(); }
+    double GetLead() const { return lead.GetValue(); }
+    double GetShown() const { return shown.GetValue(); }
+    QString GetRemark() const { return remark.GetValue(); }
+    Frail GetFrail() const { return frail.GetValue(); }
 
     void Save(ZAXGeoStream& stream) const override
     {
         ++saves;
         ZAXProbeData::Run("Save of a sheet");
         ZAXProbePart::Save(stream);
-        stream << note << weight << color << key << isOn << static_cast<const ZAXFeatValueProperty<QString>&>(title);
+        stream << static_cast<const ZAXFeatValueProperty<double>&>(lead) << note << weight << color << key << isOn
+               << static_cast<const ZAXFeatValueProperty<QString>&>(title) << frail.GetValue().number;
+        if (isOn.GetValue())
+            stream << remark;
     }
     void Load(ZAXGeoStream& stream) override
     {
         ZAXProbePart::Load(stream);
         ZAXProbeData::Run("Load of a sheet");
-        stream >> note >> weight >> color >> key >> isOn >> static_cast<ZAXFeatValueProperty<QString>&>(title);
+        Frail kept;
+        stream >> static_cast<ZAXFeatValueProperty<double>&>(lead) >> note >> weight >> color >> key >> isOn >>
+            static_cast<ZAXFeatValueProperty<QString>&>(title) >> kept.number;
+        frail.SetValue(kept, false);
+        if (isOn.GetValue())
+            stream >> remark;
     }
 
     ZAXFeatValueProperty<QString> note{this, Index("note"), QString(), true};
@@ -76,6 +124,12 @@ public:
     ZAXFeatValueProperty<QByteArray> key{this, Index("key"), QByteArray(), true};
     ZAXFeatValueProperty<bool> isOn{this, Index("isOn"), false, true};
     TitleProperty title{this, Index("title"), QString(), true};
+    LeadingProperty lead{this, Index("lead"), 0, true};
+    /// Not saved.
+    ZAXFeatValueProperty<double> shown{this, Index("shown"), 0, true};
+    /// Saved while the sheet is on.
+    ZAXFeatValueProperty<QString> remark{this, Index("remark"), QString(), true};
+    ZAXFeatValueProperty<Frail> frail{this, Index("frail"), Frail(), true};
     /// Bound to the same property as another one, as long as it is there.
     std::optional<ZAXFeatValueProperty<double>> temporary;
     mutable int saves = 0;
@@ -84,6 +138,7 @@ signals:
     void NoteChanged(const QString& note);
     void WeightChanged(double weight);
     void ColorChanged(const QColor& color);
+    void ShownChanged(double shown);
 
 private:
     static int Index(const char* property) { return staticMetaObject.indexOfProperty(property); }
@@ -121,6 +176,11 @@ private slots:
     void changesAreRolledBack();
     void whatIsAsBeforeIsNoStep_data();
     void whatIsAsBeforeIsNoStep();
+    void whatIsNotSavedIsNoStep();
+    void whatIsSavedAtTimesIsAStepThen();
+    void valueThatCannotBeKeptDoesNotChange();
+    void valueThatIsNotKeptAfterItsChangeMarksTheDocument_data();
+    void valueThatIsNotKeptAfterItsChangeMarksTheDocument();
     void valuesThatAreStoredDifferentlyDiffer_data();
     void valuesThatAreStoredDifferentlyDiffer();
 
@@ -298,6 +358,14 @@ void tst_undo_values::whatIsAsBeforeIsNoStep_data()
         s.weight.SetValue(0, false);
         s.SetLabel(QString());
     });
+    row("what is not saved", [](ZAXProbeSheet& s) { s.shown.SetValue(1, false); });
+    row("what is not saved just now", [](ZAXProbeSheet& s) { s.remark.SetValue(QLatin1String("new"), false); });
+    row("what is not saved, and what is as before", [](ZAXProbeSheet& s) {
+        s.shown.SetValue(1, false);
+        s.weight.SetValue(1, false);
+        s.remark.SetValue(QLatin1String("new"), false);
+        s.weight.SetValue(0, false);
+    });
 }
 
 void tst_undo_values::whatIsAsBeforeIsNoStep()
@@ -308,6 +376,88 @@ void tst_undo_values::whatIsAsBeforeIsNoStep()
     QVERIFY(transaction.Commit());
     QCOMPARE(Stack().count(), 0);
     QVERIFY(!document->IsModified());
+}
+
+void tst_undo_values::whatIsNotSavedIsNoStep()
+{
+    QSignalSpy changed(sheet, &ZAXProbeSheet::ShownChanged);
+    // It stays so, whatever else has been a step.
+    for (int i = 1; i < 4; ++i) {
+        sheet->shown.SetValue(i, false);
+        QCOMPARE(Stack().count(), i - 1);
+        QCOMPARE(changed.size(), i);
+        other->weight.SetValue(i, false);
+        QCOMPARE(Stack().count(), i);
+        Stack().setClean();
+        sheet->shown.SetValue(-i, true);
+        QVERIFY(!document->IsModified());
+    }
+    QVERIFY(Undo().Undo());
+    QCOMPARE(other->GetWeight(), 2.0);
+    QCOMPARE(sheet->GetShown(), -3.0);
+}
+
+void tst_undo_values::whatIsSavedAtTimesIsAStepThen()
+{
+    sheet->isOn.SetValue(true, false);
+    for (int i = 0; i < 3; ++i) {
+        sheet->remark.SetValue(QString::number(i), false);
+        QCOMPARE(Stack().count(), 2 + i);
+    }
+    QVERIFY(Undo().Undo());
+    QCOMPARE(sheet->GetRemark(), QLatin1String("1"));
+    QVERIFY(Undo().Clear());
+    sheet->isOn.SetValue(false, false);
+    sheet->remark.SetValue(QLatin1String("off"), false);
+    // The host takes it for saved until it is taken back.
+    QVERIFY(Undo().Undo());
+    QCOMPARE(Stack().index(), 1);
+    sheet->remark.SetValue(QLatin1String("off again"), false);
+    QCOMPARE(Stack().index(), 1);
+}
+
+void tst_undo_values::valueThatCannotBeKeptDoesNotChange()
+{
+    QVERIFY(Undo().Clear());
+    ZAXProbeData::failAt = "keeping";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, sheet->frail.SetValue({3}, false));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(sheet->GetFrail().number, 0);
+    QCOMPARE(Stack().count(), 0);
+    QVERIFY(!document->IsModified());
+    QVERIFY(!Undo().IsBusy());
+    // The same within a transaction that has something to do already.
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Both"));
+    other->weight.SetValue(1, false);
+    ZAXProbeData::failAt = "keeping";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, sheet->frail.SetValue({3}, false));
+    ZAXProbeData::failAt = "";
+    other->weight.SetValue(0, false);
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), 0);
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo_values::valueThatIsNotKeptAfterItsChangeMarksTheDocument_data()
+{
+    QTest::addColumn<bool>("isWithOthers");
+    QTest::newRow("alone") << false;
+    QTest::newRow("with another value") << true;
+}
+
+void tst_undo_values::valueThatIsNotKeptAfterItsChangeMarksTheDocument()
+{
+    QFETCH(bool, isWithOthers);
+    ZAXHostTransaction transaction(Undo(), QLatin1String("One or both"));
+    sheet->frail.SetValue({13}, false);
+    other->weight.SetValue(isWithOthers, false);
+    QVERIFY(transaction.Commit());
+    QVERIFY(document->IsModified());
+    QCOMPARE(Stack().count(), int(isWithOthers));
+    QVERIFY(Undo().Undo());
+    QCOMPARE(other->GetWeight(), 0.0);
+    QVERIFY(document->IsModified());
+    QVERIFY(!Undo().IsBusy());
 }
 
 void tst_undo_values::valuesThatAreStoredDifferentlyDiffer_data()
@@ -341,9 +491,14 @@ void tst_undo_values::valuesThatAreStoredDifferentlyDiffer()
 
 void tst_undo_values::changeDoesNotSaveTheFeature()
 {
+    // Only the first one, which shows that the value is saved.
+    sheet->note.SetValue(QLatin1String("first"), false);
     sheet->saves = 0;
+    other->saves = 0;
     sheet->note.SetValue(QLatin1String("new"), false);
+    other->note.SetValue(QLatin1String("new"), false);
     QCOMPARE(sheet->saves, 0);
+    QCOMPARE(other->saves, 0);
     sheet->SetLabel(QLatin1String("new"));
     QCOMPARE(sheet->saves, 2);
 }
@@ -460,6 +615,7 @@ void tst_undo_values::destroyedFeatureIsForgotten()
 
 void tst_undo_values::propertyBoundToTheSameIndexTakesTheWholeFeature()
 {
+    other->weight.SetValue(1, false);
     sheet->temporary.emplace(sheet, sheet->weight.GetPropertyIndex(), 7.0, true);
     sheet->saves = 0;
     // The earlier one is no longer what the index leads to.
