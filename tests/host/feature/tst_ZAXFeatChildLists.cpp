@@ -6,7 +6,7 @@
 #include <QRandomGenerator>
 #include <QTest>
 
-#include <memory>
+#include <algorithm>
 
 // What a feature at the top lists of all below it, by class, whatever comes and goes.
 
@@ -14,28 +14,56 @@ namespace {
 
 using Features = QList<ZAXFeatObject*>;
 
-/// A folder of a class of its own, which looks at the lists while it is made and destroyed.
-class Box : public ZAXFeatFolder
+/// A folder of a class of its own.
+class Crate : public ZAXFeatFolder
 {
     Q_OBJECT
 
 public:
-    Q_INVOKABLE explicit Box(ZAXFeatObject* parent) : ZAXFeatFolder(parent) { Look(parent); }
-    ~Box() override
+    Q_INVOKABLE explicit Crate(ZAXFeatObject* parent) : ZAXFeatFolder(parent) {}
+};
+
+/// Looks at the lists while it is made and destroyed.
+class Watcher : public Crate
+{
+    Q_OBJECT
+
+public:
+    ~Watcher() override
     {
         if (GetParent())
-            Look(GetParent());
+            Look();
     }
+    /// How often a list held another one that was not of its class.
+    static int strangers;
+
+protected:
+    explicit Watcher(ZAXFeatObject* parent) : Crate(parent) { Look(); }
 
 private:
-    static void Look(const ZAXFeatObject* parent)
-    {
-        const ZAXFeatObject* top = parent;
-        while (top->GetParent())
-            top = top->GetParent();
-        top->GetAllChildrenOfType(&staticMetaObject);
-    }
+    void Look() const;
 };
+
+int Watcher::strangers = 0;
+
+/// While its base looks it is no box.
+class Box : public Watcher
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE explicit Box(ZAXFeatObject* parent) : Watcher(parent) {}
+};
+
+void Watcher::Look() const
+{
+    const ZAXFeatObject* top = GetParent();
+    while (top->GetParent())
+        top = top->GetParent();
+    const auto boxes = top->GetAllChildrenOfType(&Box::staticMetaObject);
+    strangers += int(
+        std::ranges::count_if(boxes, [this](ZAXFeatObject* box) { return box != this && !qobject_cast<Box*>(box); }));
+}
 
 void Collect(const ZAXFeatObject* feature, const QMetaObject* type, Features& found)
 {
@@ -73,7 +101,7 @@ public:
             break;
         case 3:
             // Never initialised.
-            new Box(feature);
+            new Crate(feature);
             break;
         case 4:
         case 5:
@@ -91,7 +119,7 @@ public:
                 ZAXFeatObject* const parent = feature->GetParent();
                 auto& d = ZAXFeatObjectPrivate::Get(*feature);
                 d.SetAside();
-                d.BringBack(parent, m_random.bounded(4) - 1);
+                d.BringBack(IsNext(4) ? nullptr : parent, m_random.bounded(4) - 1);
             }
         }
         if (m_container.GetRoots().size() < 2)
@@ -156,11 +184,13 @@ void tst_ZAXFeatChildLists::listsFollowTheTree()
             continue;
         const auto roots = container.GetRoots();
         for (const ZAXFeatObject* root : roots) {
-            for (const QMetaObject* type : {&Box::staticMetaObject, &ZAXFeatObject::staticMetaObject})
+            for (const QMetaObject* type :
+                 {&Box::staticMetaObject, &Crate::staticMetaObject, &ZAXFeatObject::staticMetaObject})
                 QCOMPARE(root->GetAllChildrenOfType(type), Collected(root, type));
             QCOMPARE(root->GetAllChildren(), Collected(root, &ZAXFeatObject::staticMetaObject));
         }
     }
+    QCOMPARE(Watcher::strangers, 0);
 }
 
 void tst_ZAXFeatChildLists::listIsOfTheTimeOfAsking()
