@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -109,6 +110,15 @@ void ZAXFeatLoading::Flush()
     }
     std::ranges::sort(all, {}, &KeptBack::order);
     auto& store = ZAXFeatLastSavedStore::GetCurrent();
-    for (const KeptBack& each : all)
-        store.SetValue(each.type->className(), each.type->property(each.index).name(), each.value);
+    // A value that the store does not take is no reason to lose the others.
+    std::exception_ptr failure;
+    for (const KeptBack& each : all) {
+        try {
+            store.SetValue(each.type->className(), each.type->property(each.index).name(), each.value);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
 }

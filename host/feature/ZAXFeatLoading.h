@@ -26,6 +26,7 @@ public:
     /// Keeps \a value back that is to be remembered; false when nothing is being loaded.
     static bool KeepBack(const QMetaObject* type, int index, const QVariant& value);
     /// Hands what is kept back to the store in use.
+    /// \throws what the store throws, when all else is handed on.
     static void Flush();
 
 private:
