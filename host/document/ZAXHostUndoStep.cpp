@@ -507,10 +507,8 @@ bool ZAXHostUndoStep::IsRestored(const ZAXFeatContainer& container, Direction di
 
 void ZAXHostUndoStep::AddStates(const ZAXHostUndoStep& other)
 {
-    for (const State& state : other.states) {
-        stateIndex.insert(state.id, states.size());
-        states.append(state);
-    }
+    for (const State& state : other.states)
+        states[AppendState(state.id)] = state;
 }
 
 QList<quint64> ZAXHostUndoStep::Keeps(Direction lastDirection) const

@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -193,6 +194,7 @@ private slots:
     void destroyedFeatureIsForgotten();
     void propertyBoundToTheSameIndexTakesTheWholeFeature();
     void namesFollowTheLabel();
+    void whatSlotsDoOverAndOverIsTakenBack();
 };
 
 void tst_undo_values::initTestCase()
@@ -231,6 +233,7 @@ void tst_undo_values::changeIsTakenBackAndDoneAgain_data()
     row("bytes", [](ZAXProbeSheet& s) { s.key.SetValue(QByteArray("\0k", 2), false); });
     row("flag", [](ZAXProbeSheet& s) { s.isOn.SetValue(true, false); });
     row("text that changes more than itself", [](ZAXProbeSheet& s) { s.title.SetValue(QLatin1String("new"), false); });
+    row("number that changes another value", [](ZAXProbeSheet& s) { s.lead.SetValue(3, false); });
 }
 
 void tst_undo_values::changeIsTakenBackAndDoneAgain()
@@ -641,6 +644,35 @@ void tst_undo_values::namesFollowTheLabel()
     QCOMPARE(Stack().undoText(), QLatin1String("Change Renamed"));
     other->Remove();
     QCOMPARE(Stack().undoText(), QLatin1String("Remove Renamed"));
+}
+
+void tst_undo_values::whatSlotsDoOverAndOverIsTakenBack()
+{
+    QList<ZAXProbeSheet*> others;
+    for (int i = 0; i < 4; ++i)
+        others.append(qobject_cast<ZAXProbeSheet*>(document->GetContainer()->CreateInstance("ZAXProbeSheet", nullptr)));
+    sheet->note.SetValue(QLatin1String("new"), true);
+    const auto once = [](ZAXProbeSheet* sender, auto signal, const std::function<void()>& work) {
+        connect(sender, signal, sender, work, Qt::SingleShotConnection);
+    };
+    once(sheet, &ZAXProbeSheet::NoteChanged, [&] {
+        for (int i = 0; i < 3; ++i)
+            others.at(i)->note.SetValue(QLatin1String("of a slot"), true);
+        // When that is taken back, something goes that was among it, and the rest changes anew.
+        once(others.at(2), &ZAXProbeSheet::NoteChanged, [&] {
+            others.at(1)->note.SetValue(QLatin1String("again"), true);
+            delete others.at(0);
+            others.at(3)->note.SetValue(QLatin1String("too"), true);
+            once(sheet, &ZAXProbeSheet::WeightChanged,
+                 [&] { others.at(1)->note.SetValue(QLatin1String("once more"), true); });
+            sheet->weight.SetValue(5, true);
+        });
+    });
+    QVERIFY(Undo().Undo());
+    for (int i = 1; i < 4; ++i)
+        QCOMPARE(others.at(i)->GetNote(), QString());
+    QCOMPARE(sheet->GetNote(), QString());
+    QCOMPARE(sheet->GetWeight(), 0.0);
 }
 
 QTEST_GUILESS_MAIN(tst_undo_values)
