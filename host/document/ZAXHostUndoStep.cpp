@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -371,7 +372,7 @@ ZAXHostUndoStep::Description About(const ZAXFeatObject* feature, const char* tex
 {
     QString label;
     Try([&] { label = feature ? feature->GetLabel() : QString(); });
-    return {QCoreApplication::translate("ZAXHostUndo", text), label};
+    return {QCoreApplication::translate("ZAXHostUndo", text), std::move(label)};
 }
 
 } // namespace

@@ -150,7 +150,9 @@ QString ZAXFeatObject::GetLabel() const
     const QString prefix = GetLabelPrefix();
     const QString suffix = GetLabelSuffix();
     QString label = d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label;
-    return prefix.isEmpty() && suffix.isEmpty() ? label : prefix + label + suffix;
+    if (!prefix.isEmpty() || !suffix.isEmpty())
+        label = prefix + label + suffix;
+    return label;
 }
 
 QString ZAXFeatObject::GetLabelPrefix() const
