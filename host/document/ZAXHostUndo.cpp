@@ -66,10 +66,14 @@ private:
 class ValueCommand : public Command
 {
 public:
-    ValueCommand(ZAXHostUndoPrivate* undo, quint64 id, ZAXHostUndoStep::Value&& before)
-        : Command(undo), m_id(id), m_value(std::move(before))
+    /// With the value that \a property of \a feature has before the change.
+    ValueCommand(ZAXHostUndoPrivate* undo, const ZAXFeatObject& feature, const ZAXFeatValuePropertyBase& property)
+        : Command(undo), m_id(feature.GetId()), m_value(ZAXHostUndoStep::ValueOf(property))
     {
     }
+
+    quint64 GetId() const { return m_id; }
+    ZAXHostUndoStep::Value& GetValue() { return m_value; }
 
     /// Takes over what \a feature has now; false when its state is as before.
     bool Close(const ZAXFeatObject& feature)
@@ -118,8 +122,8 @@ public:
     ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
-    /// The same where it is the value \a before of one property of the feature \a id.
-    void PushValue(quint64 id, ZAXHostUndoStep::Value&& before, const QString& text);
+    /// The same where it is what \a command is about.
+    void PushValue(std::unique_ptr<ValueCommand> command, const QString& text);
     void Push(std::unique_ptr<Command> command, const QString& text);
     /// What is described, in the user's words.
     const QString& NameOf(ZAXHostUndoStep::Description&& description);
@@ -156,9 +160,8 @@ public:
     QList<quint64> discarded;
     /// What is under way; null when there is nothing yet, or nothing but the change of one value.
     std::unique_ptr<ZAXHostUndoStep> recording;
-    /// The feature of which that value is; 0 for none.
-    quint64 changing = 0;
-    ZAXHostUndoStep::Value changed{};
+    /// The command that will do that; null when there is nothing yet, or more.
+    std::unique_ptr<ValueCommand> changing;
     ZAXHostUndoStep::Description lastDescription;
     QString lastName;
     int depth = 0;
@@ -259,9 +262,8 @@ void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePrope
     // What is not announced yet is not there yet for undo: it comes with all that it has then.
     if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         return;
-    if (!isRestoring && only && !recording && changing == 0 && ZAXHostUndoStep::IsFound(*only)) {
-        changed = ZAXHostUndoStep::ValueOf(*only);
-        changing = feature->GetId();
+    if (!isRestoring && only && !recording && !changing && ZAXHostUndoStep::IsFound(*only)) {
+        changing = std::make_unique<ValueCommand>(this, *feature, *only);
         return;
     }
     if (!isRestoring)
@@ -301,15 +303,15 @@ ZAXHostUndoStep& ZAXHostUndoPrivate::Recorded()
 {
     if (!recording)
         recording = std::make_unique<ZAXHostUndoStep>();
-    if (const quint64 id = std::exchange(changing, 0))
-        recording->AddValue(id, std::move(changed));
+    if (const auto only = std::exchange(changing, nullptr))
+        recording->AddValue(only->GetId(), std::move(only->GetValue()));
     return *recording;
 }
 
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    if (const quint64 id = std::exchange(changing, 0))
-        return PushValue(id, std::move(changed), text);
+    if (changing)
+        return PushValue(std::exchange(changing, nullptr), text);
     auto step = std::exchange(recording, nullptr);
     if (!step)
         return FreeDiscarded();
@@ -323,10 +325,9 @@ void ZAXHostUndoPrivate::PushRecorded(const QString& text)
     FreeDiscarded();
 }
 
-void ZAXHostUndoPrivate::PushValue(quint64 id, ZAXHostUndoStep::Value&& before, const QString& text)
+void ZAXHostUndoPrivate::PushValue(std::unique_ptr<ValueCommand> command, const QString& text)
 {
-    auto command = std::make_unique<ValueCommand>(this, id, std::move(before));
-    const ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, id);
+    const ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, command->GetId());
     bool isChanged = false;
     try {
         isChanged = feature && command->Close(*feature);
@@ -491,7 +492,7 @@ void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
     }
     d_ptr->container = container;
     d_ptr->recording = nullptr;
-    d_ptr->changing = 0;
+    d_ptr->changing = nullptr;
     d_ptr->discarded.clear();
     if (container)
         ZAXFeatContainerPrivate::Get(*container).observer = d_ptr.get();
