@@ -9,6 +9,7 @@
 #include "ZAXMatRoot.h"
 #include "ZAXSysStartup.h"
 
+#include <QColor>
 #include <QCoreApplication>
 #include <QUndoStack>
 
@@ -23,6 +24,7 @@ class Sender : public QObject
 signals:
     void TextChanged(const QString& text);
     void NumberChanged(double number);
+    void ColorChanged(const QColor& color);
 };
 
 } // namespace
@@ -43,11 +45,14 @@ int main(int argc, char* argv[])
     };
     listen(material, &ZAXMatMaterial::CommentChanged);
     listen(material, &ZAXMatMaterial::DensityChanged);
+    listen(material, &ZAXMatMaterial::NestingColorChanged);
     listen(&sender, &Sender::TextChanged);
     listen(&sender, &Sender::NumberChanged);
+    listen(&sender, &Sender::ColorChanged);
     QUndoStack stack;
     const QString texts[] = {QLatin1String("One"), QLatin1String("Other")};
     const double numbers[] = {1, 2};
+    const QColor colors[] = {Qt::red, Qt::blue};
 
     const auto set = [&](auto change) {
         return [&, change] {
@@ -72,11 +77,14 @@ int main(int argc, char* argv[])
     const auto costs = bench.Interleave({set([&](int i) { material->SetComment(texts[i]); }),
                                          push([&](int i) { emit sender.TextChanged(texts[i]); }),
                                          set([&](int i) { material->SetDensity(numbers[i]); }),
-                                         push([&](int i) { emit sender.NumberChanged(numbers[i]); })},
+                                         push([&](int i) { emit sender.NumberChanged(numbers[i]); }),
+                                         set([&](int i) { material->SetNestingColor(colors[i]); }),
+                                         push([&](int i) { emit sender.ColorChanged(colors[i]); })},
                                         31);
     const double scale = 1e6 / count;
     bench.Add(QLatin1String("set a property, with undo and signal"), {costs[0], costs[1]}, "us", scale, 5.0);
     bench.Add(QLatin1String("set a remembered property"), {costs[2], costs[3]}, "us", scale, 5.0);
+    bench.Add(QLatin1String("set a colour"), {costs[4], costs[5]}, "us", scale, 5.0);
     return bench.ExitCode();
 }
 

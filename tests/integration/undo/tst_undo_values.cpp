@@ -185,6 +185,7 @@ private slots:
     void valuesThatAreStoredDifferentlyDiffer_data();
     void valuesThatAreStoredDifferentlyDiffer();
 
+    void equalColorsOfDifferentHuesDiffer();
     void changeDoesNotSaveTheFeature();
     void restoringRaisesTheSignalOfWhatChanges();
     void undoOfWhatCannotBeSavedIsRefused();
@@ -230,6 +231,7 @@ void tst_undo_values::changeIsTakenBackAndDoneAgain_data()
     row("number", [](ZAXProbeSheet& s) { s.weight.SetValue(2.5, false); });
     row("not a number", [](ZAXProbeSheet& s) { s.weight.SetValue(std::numeric_limits<double>::quiet_NaN(), false); });
     row("color", [](ZAXProbeSheet& s) { s.color.SetValue(QColor(1, 2, 3, 4), false); });
+    row("color of another model", [](ZAXProbeSheet& s) { s.color.SetValue(QColor::fromHsv(1, 2, 3, 4), false); });
     row("bytes", [](ZAXProbeSheet& s) { s.key.SetValue(QByteArray("\0k", 2), false); });
     row("flag", [](ZAXProbeSheet& s) { s.isOn.SetValue(true, false); });
     row("text that changes more than itself", [](ZAXProbeSheet& s) { s.title.SetValue(QLatin1String("new"), false); });
@@ -345,9 +347,13 @@ void tst_undo_values::whatIsAsBeforeIsNoStep_data()
         s.weight.SetValue(1, false);
         s.weight.SetValue(0, false);
     });
-    row("streamed", [](ZAXProbeSheet& s) {
+    row("color", [](ZAXProbeSheet& s) {
         s.color.SetValue(QColor(Qt::red), false);
         s.color.SetValue(QColor(), false);
+    });
+    row("streamed", [](ZAXProbeSheet& s) {
+        s.frail.SetValue({2}, false);
+        s.frail.SetValue({0}, false);
     });
     row("all that changed", [](ZAXProbeSheet& s) {
         s.weight.SetValue(1, false);
@@ -489,6 +495,21 @@ void tst_undo_values::valuesThatAreStoredDifferentlyDiffer()
     change(*sheet);
     QVERIFY(transaction.Commit());
     QCOMPARE(Stack().count(), 1);
+    QVERIFY(document->Encode() != before);
+}
+
+void tst_undo_values::equalColorsOfDifferentHuesDiffer()
+{
+    const QColor full = QColor::fromHsvF(1, 1, 1);
+    const QColor none = QColor::fromHsvF(0, 1, 1);
+    QVERIFY(full == none);
+    sheet->color.SetValue(full, false);
+    const QByteArray before = document->Encode();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Almost back"));
+    sheet->color.SetValue(QColor(Qt::blue), false);
+    sheet->color.SetValue(none, false);
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), 2);
     QVERIFY(document->Encode() != before);
 }
 
