@@ -3,6 +3,8 @@
 #include "Bench.h"
 #include "Document.h"
 
+#include "ZAXFeatContainer.h"
+#include "ZAXHostUndo.h"
 #include "ZAXMatMaterial.h"
 #include "ZAXMatRoot.h"
 #include "ZAXSysStartup.h"
@@ -35,7 +37,7 @@ int main(int argc, char* argv[])
     BareDocument bare = MakeBareDocument(bench.Size(10000, 20));
     bare.last().thickness = 99;
     ZAXHostDocument document;
-    const ZAXMatRoot* const root = Fill(document, bare);
+    ZAXMatRoot* const root = Fill(document, bare);
     std::vector<Entry> entries;
     for (const BareMaterial& material : std::as_const(bare))
         entries.push_back({material.providerId, material.remoteKey, material.materialType, material.thickness});
@@ -56,5 +58,23 @@ int main(int argc, char* argv[])
         [&] { return Measure([&] { Keep(*root->GetMaterial(last.materialType, last.thickness)); }); },
         find([&](const Entry& entry) { return entry.materialType == last.materialType && isOfThickness(entry); }), 31);
     bench.Add(QLatin1String("find a material of the document by type"), byType, "us", 1e6, 5.0);
+
+    document.GetUndo().SetContainer(nullptr);
+    ZAXFeatContainer* const container = document.GetContainer();
+    ZAXFeatObject* added = nullptr;
+    const auto findByKey = [&] {
+        return Measure([&] { Keep(*root->GetMaterial(last.providerId, last.remoteKey, last.thickness)); });
+    };
+    const QList<double> changed = bench.Interleave({[&] {
+                                                        added = container->CreateInstance("ZAXMatMaterial", root);
+                                                        return findByKey();
+                                                    },
+                                                    [&] {
+                                                        added->Remove();
+                                                        return findByKey();
+                                                    }},
+                                                   31);
+    bench.Add(QLatin1String("find a material when one was added"), {changed[0], byKey.floor}, "us", 1e6, 5.0);
+    bench.Add(QLatin1String("find a material when one was removed"), {changed[1], byKey.floor}, "us", 1e6, 5.0);
     return bench.ExitCode();
 }

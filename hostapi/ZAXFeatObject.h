@@ -112,6 +112,9 @@ public:
     QList<ZAXFeatObject*> GetChildren() const;
     /// All features below this one, depth first, in child order.
     QList<ZAXFeatObject*> GetAllChildren() const;
+    /// Those of GetAllChildren() that are of the class \a type or derived from it, in the same order. A feature at the
+    /// top keeps both lists up to date, so that asking for them again costs little.
+    QList<ZAXFeatObject*> GetAllChildrenOfType(const QMetaObject* type) const;
     /// The features outside this one's subtree that point into it through a ZAXFeatObjectProperty, and those that
     /// depend on them in turn; each once. A parent that lists its own children does not depend on them.
     QList<ZAXFeatObject*> GetAllDependents() const;

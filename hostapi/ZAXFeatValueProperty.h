@@ -26,7 +26,7 @@ public:
     {
         ZAXFeatValuePropertyBase::EndModify(silent);
         if (!silent)
-            ZAXFeatPropertySignals::EmitPropertyChanged(GetFeature(), GetPropertyIndex());
+            ZAXFeatPropertySignals::EmitValueChanged<T>(GetFeature(), GetPropertyIndex());
     }
 
     /// Takes the last-saved value over, converted to T, without a change or a signal. Keeps the present value when

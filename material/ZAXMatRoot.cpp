@@ -16,12 +16,14 @@ bool IsOfThickness(const ZAXMatMaterial* material, double thickness)
     return std::abs(material->GetThickness() - thickness) < 0.001;
 }
 
-/// The first of \a materials that \a isWanted accepts; null when there is none.
+/// The first material below \a root, in the host's order, that \a isWanted accepts; null when there is none.
 template <typename Predicate>
-ZAXMatMaterial* FindMaterial(const QList<ZAXMatMaterial*>& materials, Predicate isWanted)
+ZAXMatMaterial* FindMaterial(const ZAXMatRoot* root, Predicate isWanted)
 {
-    const auto found = std::ranges::find_if(materials, isWanted);
-    return found == materials.end() ? nullptr : *found;
+    const auto materials = root->GetAllChildrenOfType(&ZAXMatMaterial::staticMetaObject);
+    const auto found = std::ranges::find_if(
+        materials, [&](ZAXFeatObject* feature) { return isWanted(static_cast<const ZAXMatMaterial*>(feature)); });
+    return found == materials.end() ? nullptr : static_cast<ZAXMatMaterial*>(*found);
 }
 
 } // namespace
@@ -36,16 +38,6 @@ ZAXMatRootPrivate::ZAXMatRootPrivate(ZAXMatRoot* root) : q_ptr(root)
         if (auto* const material = qobject_cast<ZAXMatMaterial*>(child))
             emit root->MaterialAdded(material);
     });
-}
-
-const QList<ZAXMatMaterial*>& ZAXMatRootPrivate::AllMaterials() const
-{
-    const QList<ZAXFeatObject*> allChildren = q_ptr->GetAllChildren();
-    if (allChildren.constData() != m_allChildren.constData()) {
-        m_allMaterials = ZAXMatFeatures::Only<ZAXMatMaterial>(allChildren);
-        m_allChildren = allChildren;
-    }
-    return m_allMaterials;
 }
 
 ZAXMatRoot::ZAXMatRoot(ZAXFeatContainer* container)
@@ -73,7 +65,7 @@ QList<ZAXMatMaterial*> ZAXMatRoot::GetMaterials() const
 ZAXMatMaterial* ZAXMatRoot::GetMaterial(const QByteArray& providerId, const QByteArray& remoteKey,
                                         double thickness) const
 {
-    return FindMaterial(d_ptr->AllMaterials(), [&](const ZAXMatMaterial* material) {
+    return FindMaterial(this, [&](const ZAXMatMaterial* material) {
         return IsOfThickness(material, thickness) && material->GetRemoteKey() == remoteKey &&
                material->GetProviderId() == providerId;
     });
@@ -81,7 +73,7 @@ ZAXMatMaterial* ZAXMatRoot::GetMaterial(const QByteArray& providerId, const QByt
 
 ZAXMatMaterial* ZAXMatRoot::GetMaterial(const QString& materialType, double thickness) const
 {
-    return FindMaterial(d_ptr->AllMaterials(), [&](const ZAXMatMaterial* material) {
+    return FindMaterial(this, [&](const ZAXMatMaterial* material) {
         return IsOfThickness(material, thickness) && material->GetMaterialType() == materialType;
     });
 }

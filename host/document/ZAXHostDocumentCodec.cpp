@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QHash>
+#include <QVarLengthArray>
 #include <QtEndian>
 
 #include <algorithm>
@@ -145,11 +146,8 @@ public:
     explicit Decoder(QByteArrayView bytes, const ZAXHostDocumentImage* expected = nullptr)
         : m_bytes(bytes), m_reader(bytes), m_expected(expected)
     {
-        // What objects usually take.
-        const qsizetype objects = expected ? expected->records.size() : bytes.size() / 256;
-        m_branches.reserve(objects);
         if (!expected)
-            m_image.records.reserve(objects);
+            m_image.records.reserve(UsualCount());
     }
 
     ZAXHostResult Decode(ZAXHostDocumentImage& image)
@@ -172,6 +170,9 @@ public:
     bool IsAsExpected() const { return m_isAsExpected && m_count == m_expected->records.size(); }
 
 private:
+    /// How many objects the file usually has.
+    qsizetype UsualCount() const { return m_expected ? m_expected->records.size() : m_bytes.size() / 256; }
+
     /// Notes a damage, of an object if that is known. What follows on a damage and tells no more is part of that one.
     void NoteDamage(qsizetype position, qsizetype size, const char* what, quint64 id = 0,
                     const QByteArray& className = {})
@@ -351,6 +352,57 @@ private:
     {
         if (record.id == 0 || record.id > m_image.lastId)
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the object has an id that was never given");
+        const bool isExpected =
+            !m_expected || (m_count < m_expected->records.size() && record == m_expected->records.at(m_count));
+        if (m_isAscending && !(isExpected && record.id > m_highest && DepthOf(record.parent) >= 0))
+            RememberBranches();
+        return m_isAscending ? PlaceAscending(record) : PlaceAnywhere(record, isExpected);
+    }
+
+    /// How many objects stand above the children of \a id; negative when that is not above the last object, or it.
+    qsizetype DepthOf(quint64 id) const
+    {
+        qsizetype depth = m_path.size() - 1;
+        while (depth >= 0 && m_path[depth].id != id)
+            --depth;
+        return depth;
+    }
+
+    /// Place() for an object with the highest id so far, below the last one or one above that: none of those that were
+    /// read before needs to be looked up.
+    const char* PlaceAscending(ZAXHostDocumentRecord& record)
+    {
+        const qsizetype depth = DepthOf(record.parent);
+        if (depth >= ZAXHostDocumentCodec::maximumNesting)
+            return QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are nested too deeply");
+        const bool isInOrder = record.place == m_path[depth].next;
+        m_path[depth].next = record.place + 1;
+        m_path.resize(depth + 1);
+        m_path.append({record.id, 0});
+        m_highest = record.id;
+        Keep(std::move(record), true);
+        // What is missing was noted where it was damaged; if nothing was, the writer was at fault.
+        return isInOrder || !m_image.damages.isEmpty()
+                   ? nullptr
+                   : QT_TRANSLATE_NOOP("ZAXHostDocument", "the objects are not in their order");
+    }
+
+    /// From now on, all that were read are looked up.
+    void RememberBranches()
+    {
+        m_isAscending = false;
+        m_branches.reserve(UsualCount());
+        const auto& records = m_expected ? m_expected->records : m_image.records;
+        std::for_each(records.cbegin(), records.cbegin() + m_count, [this](const ZAXHostDocumentRecord& record) {
+            Branch& parent = m_branches[record.parent];
+            parent.next = record.place + 1;
+            const int nesting = parent.nesting + 1;
+            m_branches.insert(record.id, {nesting, 0});
+        });
+    }
+
+    const char* PlaceAnywhere(ZAXHostDocumentRecord& record, bool isExpected)
+    {
         const auto own = m_branches.constFind(record.id);
         if (own != m_branches.cend() && own->nesting > 0)
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "two objects have the id %1");
@@ -366,7 +418,7 @@ private:
         const bool isInOrder = record.place == next;
         next = record.place + 1;
         m_branches.insert(record.id, {nesting, 0});
-        Keep(std::move(record));
+        Keep(std::move(record), isExpected);
         // What is missing was noted where it was damaged; if nothing was, the writer was at fault.
         if (!hasParent && m_image.damages.isEmpty())
             return QT_TRANSLATE_NOOP("ZAXHostDocument", "the parent of the object %1 does not precede it");
@@ -375,12 +427,11 @@ private:
         return nullptr;
     }
 
-    void Keep(ZAXHostDocumentRecord&& record)
+    void Keep(ZAXHostDocumentRecord&& record, bool isExpected)
     {
         if (!m_expected)
             m_image.records.append(std::move(record));
-        else if (m_count >= m_expected->records.size() || record != m_expected->records.at(m_count))
-            m_isAsExpected = false;
+        m_isAsExpected = m_isAsExpected && isExpected;
         ++m_count;
     }
 
@@ -418,6 +469,16 @@ private:
         quint32 next = 0;
     };
     QHash<quint64, Branch> m_branches;
+    /// Ids have only grown until now, and m_branches is empty.
+    bool m_isAscending = true;
+    quint64 m_highest = 0;
+    /// The last object and those above it, from the top on, each with the place of its next child.
+    struct Step
+    {
+        quint64 id;
+        quint32 next;
+    };
+    QVarLengthArray<Step, 32> m_path{{0, 0}};
     qsizetype m_checked = 0;
     /// How many frames were followed to see whether they lead to the end; this must not take for ever either.
     qsizetype m_steps = 0;

@@ -65,10 +65,7 @@ std::unique_ptr<ZAXFeatObject> ZAXHostStateLoader::Make(const QMetaObject* type,
     if (!made)
         throw ZAXSysException(QCoreApplication::translate("ZAXHostDocument", "The class %1 cannot be re-created.")
                                   .arg(QLatin1String(type->className())));
-    auto* const feature = static_cast<ZAXFeatObject*>(made);
-    // It was not yet of the class that it is while it got its place.
-    ZAXFeatObjectPrivate::Get(*feature).TreeChanged();
-    return std::unique_ptr<ZAXFeatObject>(feature);
+    return std::unique_ptr<ZAXFeatObject>(static_cast<ZAXFeatObject*>(made));
 }
 
 void ZAXHostStateLoader::Load(ZAXFeatObject* feature, const QByteArray& payload,

@@ -30,19 +30,62 @@ class Command : public QUndoCommand
 {
 public:
     explicit Command(ZAXHostUndoPrivate* undo) : m_undo(undo) {}
-    ~Command() override;
-
-    ZAXHostUndoStep& Step() { return m_step; }
 
     void undo() override { Go(ZAXHostUndoStep::Back); }
     void redo() override;
+
+protected:
+    /// Does the step, or leaves everything as it is; then it gives the message.
+    virtual QString Restore(ZAXHostUndoStep::Direction direction) = 0;
+    ZAXHostUndoPrivate& Undo() const { return *m_undo; }
 
 private:
     void Go(ZAXHostUndoStep::Direction direction);
 
     ZAXHostUndoPrivate* m_undo;
-    ZAXHostUndoStep m_step;
+};
+
+/// Any step.
+class StepCommand : public Command
+{
+public:
+    StepCommand(ZAXHostUndoPrivate* undo, std::unique_ptr<ZAXHostUndoStep> step)
+        : Command(undo), m_step(std::move(step))
+    {
+    }
+    ~StepCommand() override;
+
+private:
+    QString Restore(ZAXHostUndoStep::Direction direction) override;
+
+    std::unique_ptr<ZAXHostUndoStep> m_step;
     ZAXHostUndoStep::Direction m_lastDirection = ZAXHostUndoStep::Forth;
+};
+
+/// The most frequent step, and no more than it needs: the value of one property.
+class ValueCommand : public Command
+{
+public:
+    /// With the value that \a property of \a feature has before the change.
+    ValueCommand(ZAXHostUndoPrivate* undo, const ZAXFeatObject& feature, const ZAXFeatValuePropertyBase& property)
+        : Command(undo), m_id(feature.GetId()), m_value(ZAXHostUndoStep::ValueOf(property))
+    {
+    }
+
+    quint64 GetId() const { return m_id; }
+    ZAXHostUndoStep::Value& GetValue() { return m_value; }
+
+    /// Takes over what \a feature has now; false when its state is as before.
+    bool Close(const ZAXFeatObject& feature)
+    {
+        return ZAXHostUndoStep::CloseValue(m_value, feature) && ZAXHostUndoStep::IsSaved(m_value, feature);
+    }
+
+private:
+    QString Restore(ZAXHostUndoStep::Direction direction) override;
+
+    quint64 m_id;
+    ZAXHostUndoStep::Value m_value;
 };
 
 } // namespace
@@ -79,8 +122,11 @@ public:
     ZAXHostUndoStep Take(ZAXHostUndoStep& recording);
     /// Puts what was recorded on the stack as one step, called \a text or what it does.
     void PushRecorded(const QString& text);
-    /// What \a step does, in the user's words.
-    const QString& NameOf(const ZAXHostUndoStep& step);
+    /// The same where it is what \a command is about.
+    void PushValue(std::unique_ptr<ValueCommand> command, const QString& text);
+    void Push(std::unique_ptr<Command> command, const QString& text);
+    /// What is described, in the user's words.
+    const QString& NameOf(ZAXHostUndoStep::Description&& description);
     /// Takes what was recorded back. Fails when a feature does not take its former state.
     ZAXHostResult RollBackRecorded();
     /// Does \a recordedStep in \a direction, or leaves everything as it is; then it gives the message.
@@ -98,12 +144,7 @@ public:
 
     ZAXFeatContainer* container = nullptr;
     /// What happened in the step or the transaction that is under way.
-    ZAXHostUndoStep& Recorded()
-    {
-        if (!recording)
-            recording = std::make_unique<Command>(this);
-        return recording->Step();
-    }
+    ZAXHostUndoStep& Recorded();
 
     /// What slots changed while a state is restored.
     ZAXHostUndoStep foreign;
@@ -117,8 +158,10 @@ public:
     ZAXHostUndoStep::Direction failedDirection = ZAXHostUndoStep::Back;
     QString failure;
     QList<quint64> discarded;
-    /// The command that will do what is under way; null when there is nothing yet.
-    std::unique_ptr<Command> recording;
+    /// What is under way; null when there is nothing yet, or nothing but the change of one value.
+    std::unique_ptr<ZAXHostUndoStep> recording;
+    /// The command that will do that; null when there is nothing yet, or more.
+    std::unique_ptr<ValueCommand> changing;
     ZAXHostUndoStep::Description lastDescription;
     QString lastName;
     int depth = 0;
@@ -164,9 +207,24 @@ private:
 
 } // namespace
 
-Command::~Command()
+StepCommand::~StepCommand()
 {
-    m_undo->Discard(m_step.Keeps(m_lastDirection));
+    Undo().Discard(m_step->Keeps(m_lastDirection));
+}
+
+QString StepCommand::Restore(ZAXHostUndoStep::Direction direction)
+{
+    QString message = Undo().Restore(*m_step, direction);
+    if (message.isEmpty())
+        m_lastDirection = direction;
+    return message;
+}
+
+QString ValueCommand::Restore(ZAXHostUndoStep::Direction direction)
+{
+    ZAXHostUndoStep step;
+    step.states.append({m_id, {}, {}, {m_value}});
+    return Undo().Restore(step, direction);
 }
 
 void Command::redo()
@@ -182,10 +240,9 @@ void Command::Go(ZAXHostUndoStep::Direction direction)
         return;
     if (m_undo->IsBusy())
         return m_undo->Fail(this, direction, m_undo->Refusal().GetMessage());
-    const QString message = m_undo->Restore(m_step, direction);
+    const QString message = Restore(direction);
     if (!message.isEmpty())
-        return m_undo->Fail(this, direction, message);
-    m_lastDirection = direction;
+        m_undo->Fail(this, direction, message);
 }
 
 void ZAXHostUndoPrivate::EndStep()
@@ -205,6 +262,10 @@ void ZAXHostUndoPrivate::AboutToChange(ZAXFeatObject* feature, ZAXFeatValuePrope
     // What is not announced yet is not there yet for undo: it comes with all that it has then.
     if (!ZAXFeatObjectPrivate::Get(*feature).isAnnounced)
         return;
+    if (!isRestoring && only && !recording && !changing && ZAXHostUndoStep::IsFound(*only)) {
+        changing = std::make_unique<ValueCommand>(this, *feature, *only);
+        return;
+    }
     if (!isRestoring)
         Recorded().AddState(feature, only);
     else if (!restored->HasState(feature->GetId()) && !takenBack.HasState(feature->GetId()))
@@ -238,31 +299,62 @@ ZAXHostUndoStep ZAXHostUndoPrivate::Take(ZAXHostUndoStep& recording)
     return step;
 }
 
+ZAXHostUndoStep& ZAXHostUndoPrivate::Recorded()
+{
+    if (!recording)
+        recording = std::make_unique<ZAXHostUndoStep>();
+    if (const auto only = std::exchange(changing, nullptr))
+        recording->AddValue(only->GetId(), std::move(only->GetValue()));
+    return *recording;
+}
+
 void ZAXHostUndoPrivate::PushRecorded(const QString& text)
 {
-    auto command = std::exchange(recording, nullptr);
-    if (!command)
+    if (changing)
+        return PushValue(std::exchange(changing, nullptr), text);
+    auto step = std::exchange(recording, nullptr);
+    if (!step)
         return FreeDiscarded();
-    ZAXHostUndoStep& step = command->Step();
-    Discard(step.Close(*container));
-    if (!step.IsComplete())
+    Discard(step->Close(*container));
+    if (!step->IsComplete())
         stack.resetClean();
-    if (!step.IsEmpty()) {
-        const QString& name = text.isEmpty() ? NameOf(step) : text;
-        command->setText(name);
-        const auto pushed = qScopeGuard([this, wasPushing = std::exchange(isPushing, true)] {
-            isPushing = wasPushing;
-            FreeDiscarded();
-        });
-        stack.push(command.release());
+    if (!step->IsEmpty()) {
+        const QString& name = text.isEmpty() ? NameOf(step->Describe(*container)) : text;
+        Push(std::make_unique<StepCommand>(this, std::move(step)), name);
     }
     FreeDiscarded();
 }
 
-const QString& ZAXHostUndoPrivate::NameOf(const ZAXHostUndoStep& step)
+void ZAXHostUndoPrivate::PushValue(std::unique_ptr<ValueCommand> command, const QString& text)
+{
+    const ZAXFeatObject* const feature = ZAXHostUndoStep::Find(*container, command->GetId());
+    bool isChanged = false;
+    try {
+        isChanged = feature && command->Close(*feature);
+    } catch (const std::exception& exception) {
+        qCWarning(logUndo, "A change cannot be taken back: %s", exception.what());
+        stack.resetClean();
+    }
+    if (isChanged) {
+        const QString& name = text.isEmpty() ? NameOf(ZAXHostUndoStep::DescribeChange(feature)) : text;
+        Push(std::move(command), name);
+    }
+    FreeDiscarded();
+}
+
+void ZAXHostUndoPrivate::Push(std::unique_ptr<Command> command, const QString& text)
+{
+    command->setText(text);
+    const auto pushed = qScopeGuard([this, wasPushing = std::exchange(isPushing, true)] {
+        isPushing = wasPushing;
+        FreeDiscarded();
+    });
+    stack.push(command.release());
+}
+
+const QString& ZAXHostUndoPrivate::NameOf(ZAXHostUndoStep::Description&& description)
 {
     // One change after the other is of the same feature: such steps share their name.
-    auto description = step.Describe(*container);
     if (description != lastDescription) {
         lastDescription = std::move(description);
         lastName = lastDescription.text.arg(lastDescription.label);
@@ -399,7 +491,8 @@ void ZAXHostUndo::SetContainer(ZAXFeatContainer* container)
         ZAXFeatContainerPrivate::Get(*d_ptr->container).observer = nullptr;
     }
     d_ptr->container = container;
-    d_ptr->Recorded() = {};
+    d_ptr->recording = nullptr;
+    d_ptr->changing = nullptr;
     d_ptr->discarded.clear();
     if (container)
         ZAXFeatContainerPrivate::Get(*container).observer = d_ptr.get();

@@ -1,5 +1,6 @@
 #include "ZAXHostUndoStep.h"
 
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainer.h"
 #include "ZAXFeatObject.h"
 #include "ZAXFeatObjectPrivate.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -46,7 +48,7 @@ constexpr qsizetype indexedStates = 8;
 
 using KeptValue = ZAXFeatKeptValue ZAXHostUndoStep::Value::*;
 
-ZAXFeatKeptValue ValueOf(const ZAXFeatValuePropertyBase& property)
+ZAXFeatKeptValue Kept(const ZAXFeatValuePropertyBase& property)
 {
     return ZAXFeatPropertyBasePrivate::Access(property)->keep(property);
 }
@@ -61,7 +63,7 @@ public:
             auto* const property = ZAXFeatObjectPrivate::Get(feature).FindValueProperty(value.property);
             if (!property)
                 continue;
-            m_present.append({property, ValueOf(*property)});
+            m_present.append({property, Kept(*property)});
             Set(*property, value.*wanted);
         }
     }
@@ -82,31 +84,20 @@ private:
     QList<std::pair<ZAXFeatValuePropertyBase*, ZAXFeatKeptValue>> m_present;
 };
 
+/// Has changes of \a values be looked at each time: a class may save them at times only.
+void LookAgain(const ZAXHostUndoStep::Values& values, const ZAXFeatObject& feature)
+{
+    for (const ZAXHostUndoStep::Value& value : values) {
+        if (auto* const property = ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property))
+            property->isSaved = false;
+    }
+}
+
 /// The state of \a feature with other \a values. \throws what Save() throws.
 QByteArray StateWith(const ZAXFeatObject& feature, const ZAXHostUndoStep::Values& values, KeptValue wanted)
 {
     const OtherValues other(feature, values, wanted);
     return feature.GetCurrentState();
-}
-
-/// Adds the value of \a property, unless it is there.
-void AddValue(ZAXHostUndoStep::Values& values, const ZAXFeatValuePropertyBase& property)
-{
-    const int index = property.GetPropertyIndex();
-    if (std::ranges::find(values, index, &ZAXHostUndoStep::Value::property) == values.end())
-        values.append({index, ValueOf(property), {}});
-}
-
-/// Adds the values that the properties of \a feature have now and drops those that are as before.
-void CloseValues(ZAXHostUndoStep::Values& values, const ZAXFeatObject* feature)
-{
-    for (ZAXHostUndoStep::Value& value : values) {
-        const auto* const property =
-            feature ? ZAXFeatObjectPrivate::Get(*feature).FindValueProperty(value.property) : nullptr;
-        value.after = property ? ValueOf(*property) : value.before;
-    }
-    values.removeIf(
-        [](const ZAXHostUndoStep::Value& value) { return ZAXFeatKeptValues::IsSame(value.before, value.after); });
 }
 
 ZAXHostUndoStep::Placing Reversed(const ZAXHostUndoStep::Placing& placing)
@@ -210,12 +201,10 @@ void ZAXHostUndoStep::AddState(const ZAXFeatObject* feature, const ZAXFeatValueP
     qsizetype place = IndexOfState(id);
     if (place < 0 ? CameInStep(id) : states[place].values.isEmpty())
         return;
-    // The value will be asked for by the index.
-    const int property = only ? only->GetPropertyIndex() : -1;
-    if (only && ZAXFeatObjectPrivate::Get(*feature).FindValueProperty(property) == only) {
-        if (place < 0)
-            place = AppendState(id);
-        AddValue(states[place].values, *only);
+    if (only && IsFound(*only)) {
+        const auto isThere = [&](const Value& value) { return value.property == only->GetPropertyIndex(); };
+        if (place < 0 || std::ranges::none_of(states[place].values, isThere))
+            AddValue(id, ValueOf(*only));
         return;
     }
     const Values changed = place < 0 ? Values() : states[place].values;
@@ -223,6 +212,58 @@ void ZAXHostUndoStep::AddState(const ZAXFeatObject* feature, const ZAXFeatValueP
     if (place < 0)
         place = AppendState(id);
     states[place] = {id, before, {}, {}};
+}
+
+void ZAXHostUndoStep::AddValue(quint64 id, Value&& value)
+{
+    const qsizetype place = IndexOfState(id);
+    states[place < 0 ? AppendState(id) : place].values.append(std::move(value));
+}
+
+ZAXHostUndoStep::Value ZAXHostUndoStep::ValueOf(const ZAXFeatValuePropertyBase& property)
+{
+    return {property.GetPropertyIndex(), Kept(property), {}};
+}
+
+bool ZAXHostUndoStep::IsFound(const ZAXFeatValuePropertyBase& property)
+{
+    const auto& feature = ZAXFeatObjectPrivate::Get(*property.GetFeature());
+    return feature.FindValueProperty(property.GetPropertyIndex()) == &property;
+}
+
+bool ZAXHostUndoStep::CloseValue(Value& value, const ZAXFeatObject& feature)
+{
+    const auto* const property = ZAXFeatObjectPrivate::Get(feature).FindValueProperty(value.property);
+    if (!property)
+        return false;
+    value.after = Kept(*property);
+    return !ZAXFeatKeptValues::IsSame(value.before, value.after);
+}
+
+bool ZAXHostUndoStep::IsSaved(const Value& value, const ZAXFeatObject& feature)
+{
+    const auto* const property = ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property);
+    return (property && property->isSaved) || AreSaved({value}, feature);
+}
+
+bool ZAXHostUndoStep::AreSaved(const Values& values, const ZAXFeatObject& feature)
+{
+    const auto find = [&](const Value& value) {
+        return ZAXFeatObjectPrivate::Get(feature).Class()->GetProperty(value.property);
+    };
+    const auto isKnown = [&](const Value& value) {
+        const auto* const property = find(value);
+        return property && property->isSaved;
+    };
+    if (std::ranges::any_of(values, isKnown))
+        return true;
+    // One that cannot be saved tells nothing.
+    bool areSaved = true;
+    const bool isSeen = Try(
+        [&] { areSaved = StateWith(feature, values, &Value::before) != StateWith(feature, values, &Value::after); });
+    if (auto* const property = find(values.front()); property && isSeen && areSaved && values.size() == 1)
+        property->isSaved = true;
+    return areSaved;
 }
 
 qsizetype ZAXHostUndoStep::IndexOfState(quint64 id) const
@@ -286,7 +327,15 @@ QList<quint64> ZAXHostUndoStep::Close(const ZAXFeatContainer& container)
     for (State& state : states) {
         const ZAXFeatObject* const feature = Find(container, state.id);
         if (!state.values.isEmpty()) {
-            CloseValues(state.values, feature);
+            const auto before = std::exchange(state.values, {});
+            for (Value value : before) {
+                isComplete &= Try([&] {
+                    if (feature && CloseValue(value, *feature))
+                        state.values.append(std::move(value));
+                });
+            }
+            if (!state.values.isEmpty() && !AreSaved(state.values, *feature))
+                state.values.clear();
             continue;
         }
         const auto after = feature ? StateOf(*feature) : state.before;
@@ -316,22 +365,34 @@ void ZAXHostUndoStep::JoinPlacings(QList<quint64>& gone)
     placings = joined;
 }
 
+namespace {
+
+/// \a text is about \a feature.
+ZAXHostUndoStep::Description About(const ZAXFeatObject* feature, const char* text)
+{
+    QString label;
+    Try([&] { label = feature ? feature->GetLabel() : QString(); });
+    return {QCoreApplication::translate("ZAXHostUndo", text), std::move(label)};
+}
+
+} // namespace
+
 ZAXHostUndoStep::Description ZAXHostUndoStep::Describe(const ZAXFeatContainer& container) const
 {
-    const auto describe = [&](const char* text, quint64 id) {
-        const ZAXFeatObject* const feature = Find(container, id);
-        QString label;
-        Try([&] { label = feature ? feature->GetLabel() : QString(); });
-        return Description{QCoreApplication::translate("ZAXHostUndo", text), label};
-    };
     if (placings.isEmpty())
-        return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Change %1"), states.first().id);
+        return DescribeChange(Find(container, states.front().id));
     const Placing& placing = placings.constFirst();
+    const ZAXFeatObject* const feature = Find(container, placing.id);
     if (!placing.from.isInTree)
-        return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Create %1"), placing.id);
+        return About(feature, QT_TRANSLATE_NOOP("ZAXHostUndo", "Create %1"));
     if (!placing.to.isInTree)
-        return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Remove %1"), placing.id);
-    return describe(QT_TRANSLATE_NOOP("ZAXHostUndo", "Move %1"), placing.id);
+        return About(feature, QT_TRANSLATE_NOOP("ZAXHostUndo", "Remove %1"));
+    return About(feature, QT_TRANSLATE_NOOP("ZAXHostUndo", "Move %1"));
+}
+
+ZAXHostUndoStep::Description ZAXHostUndoStep::DescribeChange(const ZAXFeatObject* feature)
+{
+    return About(feature, QT_TRANSLATE_NOOP("ZAXHostUndo", "Change %1"));
 }
 
 QList<ZAXHostUndoStep::Placing> ZAXHostUndoStep::Placings(Direction direction) const
@@ -359,6 +420,8 @@ ZAXHostUndoStep ZAXHostUndoStep::Whole(const ZAXFeatContainer& container, Direct
                 StateWith(*feature, state.values, direction == Forth ? &Value::after : &Value::before);
             whole.states.append(direction == Forth ? State{state.id, present, wanted, {}}
                                                    : State{state.id, wanted, present, {}});
+            if (present == wanted)
+                LookAgain(state.values, *feature);
         } catch (const std::exception& exception) {
             failure = QString::fromUtf8(exception.what());
             if (failure.isEmpty())
@@ -445,10 +508,8 @@ bool ZAXHostUndoStep::IsRestored(const ZAXFeatContainer& container, Direction di
 
 void ZAXHostUndoStep::AddStates(const ZAXHostUndoStep& other)
 {
-    for (const State& state : other.states) {
-        stateIndex.insert(state.id, states.size());
-        states.append(state);
-    }
+    for (const State& state : other.states)
+        states[AppendState(state.id)] = state;
 }
 
 QList<quint64> ZAXHostUndoStep::Keeps(Direction lastDirection) const

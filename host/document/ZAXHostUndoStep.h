@@ -57,6 +57,8 @@ public:
     /// Adds the state of \a feature before its first change in this step, or only the value of \a only while nothing
     /// else changes. A feature that came in this step has none.
     void AddState(const ZAXFeatObject* feature, const ZAXFeatValuePropertyBase* only = nullptr);
+    /// Adds \a value, which the feature \a id had before its first change in this step.
+    void AddValue(quint64 id, Value&& value);
     void AddPlacing(const ZAXFeatObject* feature, const ZAXFeatPlace& from, const ZAXFeatPlace& to);
     /// Forgets a feature that is destroyed.
     void Forget(quint64 id);
@@ -79,6 +81,8 @@ public:
         friend bool operator==(const Description&, const Description&) = default;
     };
     Description Describe(const ZAXFeatContainer& container) const;
+    /// That of a step which changes \a feature; null for one that is gone.
+    static Description DescribeChange(const ZAXFeatObject* feature);
 
     /// The step with whole states only, as it must be to be done in \a direction: features of which nothing but values
     /// changed get the states that they have now, and would have with the others. One that cannot be saved gets none,
@@ -106,6 +110,18 @@ public:
 
     QList<Placing> placings;
     QVarLengthArray<State, 1> states;
+
+    /// The value that \a property has, as the one before a change.
+    static Value ValueOf(const ZAXFeatValuePropertyBase& property);
+    /// Whether the index of \a property leads to it: its value will be asked for by that.
+    static bool IsFound(const ZAXFeatValuePropertyBase& property);
+    /// Adds the value that the property of \a feature has now; false when it is as before.
+    static bool CloseValue(Value& value, const ZAXFeatObject& feature);
+    /// Whether the change of \a values is one of what is saved of \a feature: a value that only the running program
+    /// knows is no part of the feature's state. Saves the feature to see that, until a change of one of the properties
+    /// has been seen to matter.
+    static bool AreSaved(const Values& values, const ZAXFeatObject& feature);
+    static bool IsSaved(const Value& value, const ZAXFeatObject& feature);
 
     /// The feature with \a id, be it in the tree or aside; null when it is gone.
     static ZAXFeatObject* Find(const ZAXFeatContainer& container, quint64 id);

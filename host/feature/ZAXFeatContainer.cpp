@@ -39,6 +39,15 @@ void ZAXFeatContainerPrivate::DestroyAll()
         delete removed.constLast();
 }
 
+std::shared_ptr<ZAXFeatClass> ZAXFeatContainerPrivate::FindClass(const QMetaObject* type)
+{
+    auto& known = m_classes[type];
+    auto found = known.lock();
+    if (!found)
+        known = found = std::make_shared<ZAXFeatClass>(type);
+    return found;
+}
+
 ZAXFeatStep::ZAXFeatStep(ZAXFeatContainer* container)
     : m_container(container ? &ZAXFeatContainerPrivate::Get(*container) : nullptr),
       m_observer(m_container ? m_container->observer : nullptr)

@@ -19,14 +19,23 @@ public:
 
     void SetValue(const QByteArray& className, const QByteArray& property, const QVariant& value) override
     {
+        // One value after the other is often of the same property, whose names then are the very same ones.
+        if (value.isValid() && m_last && className.isSharedWith(m_lastKey.first) &&
+            property.isSharedWith(m_lastKey.second)) {
+            *m_last = value;
+            return;
+        }
+        m_last = nullptr;
+        m_lastKey = {className, property};
         if (value.isValid())
-            m_values.insert({className, property}, value);
+            m_last = &*m_values.insert(m_lastKey, value);
         else
-            m_values.remove({className, property});
+            m_values.remove(m_lastKey);
     }
 
     void ReleaseModule(const void* module) override
     {
+        m_last = nullptr;
         for (auto& value : m_values) {
             if (IsPartOf(value, module))
                 value = Detached(value);
@@ -42,7 +51,12 @@ private:
                ZAXSysModules::ModuleOf(value.metaType().metaObject()) == module;
     }
 
-    QHash<std::pair<QByteArray, QByteArray>, QVariant> m_values;
+    using Key = std::pair<QByteArray, QByteArray>;
+
+    QHash<Key, QVariant> m_values;
+    /// The value that was set last, if it is still known where it is, and its key.
+    QVariant* m_last = nullptr;
+    Key m_lastKey;
 };
 
 struct Current

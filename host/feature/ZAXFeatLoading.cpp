@@ -1,16 +1,17 @@
 #include "ZAXFeatLoading.h"
 
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
 #include "ZAXFeatObjectPrivate.h"
 #include "ZAXFeatPropertySignals.h"
-#include "ZAXSysDefinedValue.h"
 
 #include <QLoggingCategory>
 #include <QMetaProperty>
 
 #include <algorithm>
 #include <atomic>
+#include <exception>
 #include <thread>
 #include <utility>
 
@@ -29,23 +30,18 @@ ZAXFeatLoading* Outermost()
     return loadingThread == std::this_thread::get_id() ? outermostLoading : nullptr;
 }
 
-/// Whether every value of the type \a from converts to \a to.
-bool AlwaysConverts(QMetaType from, QMetaType to)
-{
-    if (from == to || to.id() == QMetaType::QVariant)
-        return true;
-    const bool isPhysical =
-        from == QMetaType::fromType<ZAXSysLengthValue>() || from == QMetaType::fromType<ZAXSysDensityValue>();
-    return isPhysical && to.id() == QMetaType::Double && QMetaType::canConvert(from, to);
-}
-
 } // namespace
 
-bool ZAXFeatPropertySignals::IsUnheard(const ZAXFeatObject* feature, int index)
+const ZAXFeatNotification* ZAXFeatPropertySignals::FindNotification(const ZAXFeatObject* feature, int index)
 {
-    const auto* const container = ZAXFeatObjectPrivate::Get(*feature).container;
-    auto* const loading = container ? ZAXFeatContainerPrivate::Get(*container).loading : nullptr;
-    return loading && loading->IsUnheard(feature, index);
+    auto& d = ZAXFeatObjectPrivate::Get(*feature);
+    const auto* const property = d.Class()->GetProperty(index);
+    if (!property || !property->notification.signal.isValid())
+        return nullptr;
+    const bool isLoading = d.container && ZAXFeatContainerPrivate::Get(*d.container).loading;
+    return isLoading && property->notification.isSafe && d.IsUnheard(property->notification.signal)
+               ? nullptr
+               : &property->notification;
 }
 
 ZAXFeatLoading::ZAXFeatLoading(ZAXFeatContainer& container) : m_container(container)
@@ -81,25 +77,6 @@ ZAXFeatLoading::Property& ZAXFeatLoading::Find(const QMetaObject* type, int inde
     return (*m_found)[static_cast<size_t>(index)];
 }
 
-void ZAXFeatLoading::Learn(const QMetaObject* type, int index, Property& property)
-{
-    const QMetaProperty meta = type->property(index);
-    property.isKnown = true;
-    property.signal = meta.notifySignal();
-    const int parameters = property.signal.isValid() ? property.signal.parameterCount() : 0;
-    property.isSafe = parameters == 0 || (parameters == 1 && meta.isReadable() &&
-                                          AlwaysConverts(meta.metaType(), property.signal.parameterMetaType(0)));
-}
-
-bool ZAXFeatLoading::IsUnheard(const ZAXFeatObject* feature, int index)
-{
-    Property& property = Find(feature->metaObject(), index);
-    if (!property.isKnown)
-        Learn(feature->metaObject(), index, property);
-    return property.isSafe &&
-           (!property.signal.isValid() || ZAXFeatObjectPrivate::Get(*feature).IsUnheard(property.signal));
-}
-
 bool ZAXFeatLoading::KeepBack(const QMetaObject* type, int index, const QVariant& value)
 {
     ZAXFeatLoading* const outermost = Outermost();
@@ -133,6 +110,15 @@ void ZAXFeatLoading::Flush()
     }
     std::ranges::sort(all, {}, &KeptBack::order);
     auto& store = ZAXFeatLastSavedStore::GetCurrent();
-    for (const KeptBack& each : all)
-        store.SetValue(each.type->className(), each.type->property(each.index).name(), each.value);
+    // A value that the store does not take is no reason to lose the others.
+    std::exception_ptr failure;
+    for (const KeptBack& each : all) {
+        try {
+            store.SetValue(each.type->className(), each.type->property(each.index).name(), each.value);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    if (failure)
+        std::rethrow_exception(failure);
 }

@@ -5,14 +5,12 @@
 
 #include "ZAXFeatExport.h"
 
-#include <QMetaMethod>
 #include <QVariant>
 
 #include <unordered_map>
 #include <vector>
 
 class ZAXFeatContainer;
-class ZAXFeatObject;
 
 /// Held while features are made and loaded that nobody knows yet. Announcements that nobody listens to are not made
 /// then, and of all values that are to be remembered for new features only the last one of each property is, when the
@@ -25,21 +23,15 @@ public:
     ZAXFeatLoading(const ZAXFeatLoading&) = delete;
     ZAXFeatLoading& operator=(const ZAXFeatLoading&) = delete;
 
-    /// Whether the notify signal of the property \a index reaches nobody, and could be raised if it did.
-    bool IsUnheard(const ZAXFeatObject* feature, int index);
-
     /// Keeps \a value back that is to be remembered; false when nothing is being loaded.
     static bool KeepBack(const QMetaObject* type, int index, const QVariant& value);
     /// Hands what is kept back to the store in use.
+    /// \throws what the store throws, when all else is handed on.
     static void Flush();
 
 private:
     struct Property
     {
-        bool isKnown = false;
-        /// Raising the signal cannot fail.
-        bool isSafe = false;
-        QMetaMethod signal;
         QVariant keptBack;
         /// When the value was kept back, counted from 1; 0 for none.
         quint64 order = 0;
@@ -47,7 +39,6 @@ private:
     using Properties = std::vector<Property>;
 
     Property& Find(const QMetaObject* type, int index);
-    static void Learn(const QMetaObject* type, int index, Property& property);
 
     ZAXFeatContainer& m_container;
     std::unordered_map<const QMetaObject*, Properties> m_properties;

@@ -84,7 +84,8 @@ ZAXFeatObject::ZAXFeatObject(const ZAXGeoGeometryRef& reference, ZAXGeoContainer
 ZAXFeatObject::~ZAXFeatObject()
 {
     // It is no longer of the class that it was.
-    d_ptr->TreeChanged();
+    d_ptr->Unlist({this});
+    d_ptr->ForgetLists();
     if (auto* const observer = d_ptr->Observer(); observer && !d_ptr->isAside)
         observer->Destroyed(this);
     for (ZAXFeatObjectPropertyBase* property : std::as_const(d_ptr->pointers))
@@ -118,7 +119,7 @@ void ZAXFeatObject::Initialize()
     if (std::exchange(d_ptr->isInitialized, true))
         return;
     // It was not yet of the class that it is while it got its place.
-    d_ptr->TreeChanged();
+    d_ptr->Enlist();
     for (ZAXFeatValuePropertyBase* property : std::as_const(d_ptr->initializations))
         property->InitializeValue();
     InitializeNonStreamed();
@@ -149,7 +150,9 @@ QString ZAXFeatObject::GetLabel() const
     const QString prefix = GetLabelPrefix();
     const QString suffix = GetLabelSuffix();
     QString label = d_ptr->label.isEmpty() ? DefaultLabel(metaObject()) : d_ptr->label;
-    return prefix.isEmpty() && suffix.isEmpty() ? label : prefix + label + suffix;
+    if (!prefix.isEmpty() || !suffix.isEmpty())
+        label = prefix + label + suffix;
+    return label;
 }
 
 QString ZAXFeatObject::GetLabelPrefix() const
@@ -250,7 +253,12 @@ QList<ZAXFeatObject*> ZAXFeatObject::GetChildren() const
 
 QList<ZAXFeatObject*> ZAXFeatObject::GetAllChildren() const
 {
-    return d_ptr->AllChildren();
+    return d_ptr->AllChildren(&staticMetaObject);
+}
+
+QList<ZAXFeatObject*> ZAXFeatObject::GetAllChildrenOfType(const QMetaObject* type) const
+{
+    return d_ptr->AllChildren(type);
 }
 
 QList<ZAXFeatObject*> ZAXFeatObject::GetAllDependents() const

@@ -1,5 +1,7 @@
 #include "ZAXFeatObjectPrivate.h"
 
+#include "ZAXFeatChildLists.h"
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatObjectListPropertyBase.h"
 #include "ZAXFeatObjectPropertyBase.h"
@@ -35,6 +37,12 @@ const ZAXFeatObject* LookThroughFolders(const ZAXFeatObject* feature)
 
 } // namespace
 
+ZAXFeatObjectPrivate::ZAXFeatObjectPrivate(ZAXFeatObject* q, ZAXFeatContainer* container) : q(q), container(container)
+{
+}
+
+ZAXFeatObjectPrivate::~ZAXFeatObjectPrivate() = default;
+
 bool ZAXFeatObjectPrivate::IsPlainFolder(const QMetaObject* type)
 {
     return type->inherits(&ZAXFeatFolder::staticMetaObject) && !type->inherits(&ZAXFeatRoot::staticMetaObject);
@@ -69,15 +77,18 @@ void ZAXFeatObjectPrivate::AttachTo(ZAXFeatObject* newParent, qsizetype index)
 
 void ZAXFeatObjectPrivate::Insert(ZAXFeatObject* newParent, qsizetype index)
 {
-    TreeChanged();
+    if (newParent)
+        ForgetLists();
     parent = newParent;
     if (auto* const siblings = Siblings())
         siblings->insert(index < 0 || index > siblings->size() ? siblings->size() : index, q);
+    Enlist();
 }
 
 void ZAXFeatObjectPrivate::Detach()
 {
-    TreeChanged();
+    if (ListingTop())
+        Unlist(Subtree());
     if (auto* const siblings = Siblings()) {
         // Most often it is the last one: features come and go in this order.
         const auto position = siblings->lastIndexOf(q);
@@ -294,6 +305,16 @@ void ZAXFeatObjectPrivate::EndModify()
         --ZAXFeatContainerPrivate::Get(*container).openOperations;
 }
 
+const std::shared_ptr<ZAXFeatClass>& ZAXFeatObjectPrivate::Class()
+{
+    // Another one than before while the feature is being made or destroyed.
+    const QMetaObject* const type = q->metaObject();
+    if (!m_class || m_class->GetType() != type)
+        m_class =
+            container ? ZAXFeatContainerPrivate::Get(*container).FindClass(type) : std::make_shared<ZAXFeatClass>(type);
+    return m_class;
+}
+
 ZAXFeatValuePropertyBase* ZAXFeatObjectPrivate::FindValueProperty(int index) const
 {
     auto* property = valueProperties;
@@ -317,23 +338,44 @@ void ZAXFeatObjectPrivate::AppendAllChildren(QList<ZAXFeatObject*>& features) co
     }
 }
 
-QList<ZAXFeatObject*> ZAXFeatObjectPrivate::AllChildren() const
+QList<ZAXFeatObject*> ZAXFeatObjectPrivate::AllChildren(const QMetaObject* type)
 {
-    if (!parent && container && allChildrenVersion == ZAXFeatContainerPrivate::Get(*container).treeVersion)
-        return allChildren;
-    QList<ZAXFeatObject*> features;
-    AppendAllChildren(features);
-    if (!parent && container) {
-        allChildren = features;
-        allChildrenVersion = ZAXFeatContainerPrivate::Get(*container).treeVersion;
+    if (parent || !container)
+        return ZAXFeatChildLists(q).Find(type);
+    if (!childLists) {
+        childLists = std::make_unique<ZAXFeatChildLists>(q);
+        ++ZAXFeatContainerPrivate::Get(*container).listing;
     }
-    return features;
+    return childLists->Find(type);
 }
 
-void ZAXFeatObjectPrivate::TreeChanged()
+ZAXFeatObjectPrivate* ZAXFeatObjectPrivate::ListingTop() const
 {
-    if (container)
-        ++ZAXFeatContainerPrivate::Get(*container).treeVersion;
+    if (!parent || !container || ZAXFeatContainerPrivate::Get(*container).listing == 0)
+        return nullptr;
+    const ZAXFeatObject* top = parent;
+    while (top->GetParent())
+        top = top->GetParent();
+    auto& d = Get(*top);
+    return d.childLists ? &d : nullptr;
+}
+
+void ZAXFeatObjectPrivate::Enlist()
+{
+    if (auto* const top = ListingTop(); top && !top->childLists->Place(q))
+        top->ForgetLists();
+}
+
+void ZAXFeatObjectPrivate::Unlist(const QList<ZAXFeatObject*>& features)
+{
+    if (auto* const top = ListingTop(); top && !top->childLists->Remove(features))
+        top->ForgetLists();
+}
+
+void ZAXFeatObjectPrivate::ForgetLists()
+{
+    if (std::exchange(childLists, nullptr))
+        --ZAXFeatContainerPrivate::Get(*container).listing;
 }
 
 ZAXFeatObjectPropertyBase* ZAXFeatObjectPrivate::FindPointer(const QSet<const ZAXFeatObject*>& features) const

@@ -9,13 +9,18 @@
 #include <QPointer>
 #include <QSet>
 
+#include <memory>
+
+class ZAXFeatChildLists;
+class ZAXFeatClass;
 class ZAXFeatObjectPropertyBase;
 class ZAXFeatValuePropertyBase;
 
 class ZAXFEATURE_EXPORT ZAXFeatObjectPrivate
 {
 public:
-    ZAXFeatObjectPrivate(ZAXFeatObject* q, ZAXFeatContainer* container) : q(q), container(container) {}
+    ZAXFeatObjectPrivate(ZAXFeatObject* q, ZAXFeatContainer* container);
+    ~ZAXFeatObjectPrivate();
 
     static ZAXFeatObjectPrivate& Get(const ZAXFeatObject& feature) { return *feature.d_ptr; }
 
@@ -65,6 +70,9 @@ public:
     /// with the feature afterwards.
     bool IsInUse() const;
 
+    /// What is known about the class that the feature is of at present.
+    const std::shared_ptr<ZAXFeatClass>& Class();
+
     /// Whether nobody is connected to \a signal.
     bool IsUnheard(const QMetaMethod& signal) const { return !q->isSignalConnected(signal); }
 
@@ -78,10 +86,14 @@ public:
 
     /// The feature itself and all below it.
     QList<ZAXFeatObject*> Subtree() const;
-    /// All below the feature. For a feature at the top the list is the same one, shared, until the tree changes.
-    QList<ZAXFeatObject*> AllChildren() const;
-    /// Has AllChildren() be collected anew.
-    void TreeChanged();
+    /// All below the feature that are of the class \a type or derived from it. A feature at the top keeps the list up
+    /// to date.
+    QList<ZAXFeatObject*> AllChildren(const QMetaObject* type);
+    /// Has lists that may hold the feature put right: it got its place, or is of another class than it was.
+    void Enlist();
+    /// Takes \a features, which are the feature or its subtree, out of all lists.
+    void Unlist(const QList<ZAXFeatObject*>& features);
+    void ForgetLists();
     /// Clears every property outside the subtree that points into it, or would but for a placeholder, with
     /// notification.
     void ReleasePointers();
@@ -96,9 +108,8 @@ public:
     /// The parent that raised ChildAdded() for the feature last, and not ChildRemoved() since.
     QPointer<ZAXFeatObject> toldParent;
     QList<ZAXFeatObject*> children;
-    /// What AllChildren() found when the tree had the version.
-    mutable QList<ZAXFeatObject*> allChildren;
-    mutable quint64 allChildrenVersion = 0;
+    /// Of a feature at the top; null until somebody asks.
+    std::unique_ptr<ZAXFeatChildLists> childLists;
 
     QList<ZAXFeatObject::PropertyMessage> messages;
 
@@ -124,7 +135,11 @@ public:
     ZAXFeatChangeObserver* Observer() const;
 
 private:
+    std::shared_ptr<ZAXFeatClass> m_class;
+
     void AppendAllChildren(QList<ZAXFeatObject*>& features) const;
+    /// The feature at the top of the tree that keeps lists in which the feature may be; null for none.
+    ZAXFeatObjectPrivate* ListingTop() const;
     QList<ZAXFeatObject*>* Siblings() const;
     /// AttachTo() for a feature that Detach() took out.
     void Insert(ZAXFeatObject* newParent, qsizetype index);

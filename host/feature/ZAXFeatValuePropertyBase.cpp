@@ -1,5 +1,6 @@
 #include "ZAXFeatValuePropertyBase.h"
 
+#include "ZAXFeatClass.h"
 #include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatLastSavedStore.h"
 #include "ZAXFeatLoading.h"
@@ -92,8 +93,9 @@ void ZAXFeatValuePropertyBase::SetLastSavedValue(const QVariant& value)
     const auto* const container = ZAXFeatObjectPrivate::Get(*GetFeature()).container;
     if (GetPropertyIndex() < 0 || (container && ZAXFeatContainerPrivate::Get(*container).isRestoring))
         return;
-    const QMetaObject* const type = GetFeature()->metaObject();
-    if (ZAXFeatLoading::KeepBack(type, GetPropertyIndex(), value))
-        return;
-    ZAXFeatLastSavedStore::GetCurrent().SetValue(type->className(), type->property(GetPropertyIndex()).name(), value);
+    // Kept, since what the store does may be the end of the feature.
+    const auto type = ZAXFeatObjectPrivate::Get(*GetFeature()).Class();
+    const auto* const property = type->GetProperty(GetPropertyIndex());
+    if (property && !ZAXFeatLoading::KeepBack(type->GetType(), GetPropertyIndex(), value))
+        ZAXFeatLastSavedStore::GetCurrent().SetValue(type->GetName(), property->name, value);
 }

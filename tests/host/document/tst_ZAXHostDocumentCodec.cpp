@@ -95,6 +95,7 @@ private slots:
     void refuses_data();
     void refuses();
     void nestingEndsAtItsLimit();
+    void moreThanWasExpectedDoesNotReadBack();
 };
 
 void tst_ZAXHostDocumentCodec::imageIsReadBack_data()
@@ -302,6 +303,25 @@ void tst_ZAXHostDocumentCodec::refuses_data()
     QTest::newRow("object in a far place") << File().Add({.place = 0xffffffffU}).End().Bytes()
                                            << DamagedAt(headerSize, "the objects are not in their order");
 
+    File falling;
+    falling.Add({.id = 5}).Add({.id = 2, .parent = 5}).Add({.id = 9, .parent = 2});
+    QTest::newRow("ids that fall and rise")
+        << File(falling).Add({.id = 3, .parent = 5, .place = 1}).End().Bytes() << QString();
+    QTest::newRow("the first id again") << File(falling).Add({.id = 5, .place = 1}).End().Bytes()
+                                        << DamagedAt(headerSize + 3 * 44, "two objects have the id 5");
+    QTest::newRow("wrong place behind ids that fall")
+        << File(falling).Add({.id = 3, .parent = 5, .place = 2}).End().Bytes()
+        << DamagedAt(headerSize + 3 * 44, "the objects are not in their order");
+    File ended;
+    ended.Add({.id = 1}).Add({.id = 2, .parent = 1}).Add({.id = 3, .parent = 2}).Add({.id = 4, .place = 1});
+    QTest::newRow("child of a branch that has ended")
+        << File(ended).Add({.id = 5, .parent = 2, .place = 1}).End().Bytes() << QString();
+    QTest::newRow("child of a branch that has ended in a wrong place")
+        << File(ended).Add({.id = 5, .parent = 2}).End().Bytes()
+        << DamagedAt(headerSize + 4 * 44, "the objects are not in their order");
+    QTest::newRow("child of the top behind one of a branch that has ended")
+        << File(ended).Add({.id = 5, .parent = 2, .place = 1}).Add({.id = 6, .place = 2}).End().Bytes() << QString();
+
     const auto fileOf = [](quint64 count, qint64 surplus) {
         File file;
         file.Add({});
@@ -334,6 +354,17 @@ void tst_ZAXHostDocumentCodec::nestingEndsAtItsLimit()
     QCOMPARE(ZAXHostDocumentCodec::maximumNesting, 256);
     QCOMPARE(Complaint(NestedFile(256)), QString());
     QCOMPARE(Complaint(NestedFile(257)), DamagedAt(headerSize + 256 * 44, "the objects are nested too deeply"));
+}
+
+void tst_ZAXHostDocumentCodec::moreThanWasExpectedDoesNotReadBack()
+{
+    const QByteArray bytes =
+        File().Add({.id = 5}).Add({.id = 7, .parent = 5}).Add({.id = 2, .parent = 5, .place = 1}).End().Bytes();
+    ZAXHostDocumentImage image;
+    QVERIFY(ZAXHostDocumentCodec::Decode(bytes, image));
+    QVERIFY(ZAXHostDocumentCodec::Check(bytes, image));
+    image.records = {};
+    QCOMPARE(ZAXHostDocumentCodec::Check(bytes, image).GetMessage(), QStringLiteral("its bytes do not read back."));
 }
 
 QTEST_GUILESS_MAIN(tst_ZAXHostDocumentCodec)

@@ -72,6 +72,7 @@ private slots:
     void keepsValuesByClassAndProperty();
     void laterValueReplacesTheEarlier();
     void invalidValueForgets();
+    void valuesUnderTheSameNamesFollowOneAnother();
     void storeInUseIsTheOneThatWasSet();
     void nullBringsANewStoreInMemory();
     void enumerationOfALeavingModuleBecomesItsNumber();
@@ -115,6 +116,28 @@ void tst_ZAXFeatLastSavedStore::invalidValueForgets()
     Store::GetCurrent().SetValue("A", "length", QVariant());
     QCOMPARE(Store::GetCurrent().GetValue("A", "length"), QVariant());
     QCOMPARE(Store::GetCurrent().GetValue("A", "width"), QVariant(2.0));
+}
+
+void tst_ZAXFeatLastSavedStore::valuesUnderTheSameNamesFollowOneAnother()
+{
+    const QByteArray className("A");
+    const QByteArray names[] = {"length", "width"};
+    Store& store = Store::GetCurrent();
+    const auto isKept = [&](int name, const QVariant& value) {
+        store.SetValue(className, names[name], value);
+        return store.GetValue(className, names[name]) == value;
+    };
+    QVERIFY(isKept(0, 1.0));
+    QVERIFY(isKept(0, 2.0));
+    QVERIFY(isKept(1, 3.0));
+    QVERIFY(isKept(0, 4.0));
+    QVERIFY(isKept(0, QVariant()));
+    QVERIFY(isKept(0, QVariant()));
+    QVERIFY(isKept(0, 5.0));
+    QCOMPARE(store.GetValue(className, names[1]), QVariant(3.0));
+    Store::SetCurrent(nullptr);
+    Store::GetCurrent().SetValue(className, names[0], 6.0);
+    QCOMPARE(Store::GetCurrent().GetValue(className, names[0]), QVariant(6.0));
 }
 
 void tst_ZAXFeatLastSavedStore::storeInUseIsTheOneThatWasSet()

@@ -11,6 +11,8 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
+#include <thread>
 
 // What features notice of being loaded, and what of them is remembered for new ones.
 
@@ -59,8 +61,9 @@ public:
     void EndStateLoad() override
     {
         ZAXFeatFolder::EndStateLoad();
-        if (atEndOfLoad)
-            atEndOfLoad();
+        // What it does may put another one in its place.
+        if (const auto work = atEndOfLoad)
+            work();
     }
 
     ZAXFeatValueProperty<QString> note{this, staticMetaObject.indexOfProperty("note"), QString(), false};
@@ -135,11 +138,15 @@ public:
     }
     void SetValue(const QByteArray& className, const QByteArray& property, const QVariant& value) override
     {
+        if (refused == property)
+            throw std::runtime_error("There is no room.");
         m_values.insert(className + '.' + property, value);
         noted.append(QString::fromLatin1(className + '.' + property + " = ") + value.toString());
     }
 
     QStringList noted;
+    /// The property whose values are not taken.
+    QByteArray refused;
 
 private:
     QHash<QByteArray, QVariant> m_values;
@@ -179,6 +186,9 @@ private slots:
     void storeIsUpToDateWhenItIsAsked();
     void storeThatIsChangedTakesWhatCameBefore();
     void loadingWithinALoadKeepsTheOrder();
+    void valueThatTheStoreRefusesTakesNoOtherAlong_data();
+    void valueThatTheStoreRefusesTakesNoOtherAlong();
+    void otherThreadKeepsNothingBack();
     void changesAfterALoadAreAnnouncedAndRemembered();
 };
 
@@ -315,6 +325,59 @@ void tst_loading::loadingWithinALoadKeepsTheOrder()
     Load(loaded, outer);
     QCOMPARE(store->GetValue("ZAXProbeNote", "note").toString(), QLatin1String("inner"));
     QCOMPARE(store->GetValue("ZAXProbeNote", "number"), QVariant(7.0));
+}
+
+void tst_loading::valueThatTheStoreRefusesTakesNoOtherAlong_data()
+{
+    QTest::addColumn<QByteArray>("refused");
+    QTest::addColumn<QString>("taken");
+    QTest::newRow("the first") << QByteArray("note") << QStringLiteral("ZAXProbeNote.number = 7");
+    QTest::newRow("the last") << QByteArray("number") << QStringLiteral("ZAXProbeNote.note = new");
+}
+
+void tst_loading::valueThatTheStoreRefusesTakesNoOtherAlong()
+{
+    QFETCH(QByteArray, refused);
+    QFETCH(QString, taken);
+    auto* const note = Create<ZAXProbeNote>();
+    note->note.Apply(QLatin1String("new"));
+    note->number.Apply(7);
+    const QByteArray bytes = document->Encode();
+    store->noted.clear();
+    store->refused = refused;
+    QTest::ignoreMessage(QtWarningMsg, "The values for new features are not remembered: There is no room.");
+    ZAXHostDocument loaded;
+    Load(loaded, bytes);
+    QCOMPARE(store->noted, QStringList(taken));
+    QCOMPARE(loaded.Encode(), bytes);
+    // Nor is it kept for later.
+    store->refused.clear();
+    QVERIFY(&ZAXFeatLastSavedStore::GetCurrent() == store.get());
+    QCOMPARE(store->noted, QStringList(taken));
+}
+
+void tst_loading::otherThreadKeepsNothingBack()
+{
+    auto* const note = Create<ZAXProbeNote>();
+    note->note.Apply(QLatin1String("of the other thread"));
+    const QByteArray other = document->Encode();
+    note->note.Apply(QLatin1String("of this thread"));
+    const QByteArray own = document->Encode();
+    store->noted.clear();
+    QStringList notedBefore;
+    atEndOfLoad = [&] {
+        atEndOfLoad = {};
+        // This thread waits in the middle of its own loading.
+        std::thread([&] {
+            ZAXHostDocument loaded;
+            Load(loaded, other);
+        }).join();
+        notedBefore = store->noted;
+    };
+    ZAXHostDocument loaded;
+    Load(loaded, own);
+    QCOMPARE(notedBefore, QStringList(QLatin1String("ZAXProbeNote.note = of the other thread")));
+    QCOMPARE(store->noted.mid(1), QStringList(QLatin1String("ZAXProbeNote.note = of this thread")));
 }
 
 void tst_loading::changesAfterALoadAreAnnouncedAndRemembered()

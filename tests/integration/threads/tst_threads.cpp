@@ -72,13 +72,14 @@ private slots:
     void recordsOfOneKindAreReadFromJsonInAllThreads();
 };
 
-// First, so that nothing has been used before.
+// First, so that nothing has been used before. Only the root comes from the host, which would ask a parent what it
+// allows.
 void tst_threads::whatIsMadeOnFirstUseIsMadeOnce()
 {
     ZAXTestDocument document;
-    const ZAXMatMaterial* const material = document.CreateMaterial();
-    const ZAXMatPackaging* const packaging = document.CreatePackaging();
     const ZAXMatRoot* const root = document.root;
+    auto* const material = new ZAXMatMaterial(static_cast<ZAXFeatObject*>(document.root));
+    const auto* const packaging = new ZAXMatPackaging(static_cast<ZAXFeatObject*>(material));
     std::array<QStringList, 4> found;
     RunTogether(int(found.size()), [&](int number) {
         QStringList& lines = found.at(size_t(number));

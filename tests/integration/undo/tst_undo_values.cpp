@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QUndoStack>
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -17,6 +18,37 @@
 // Steps of which nothing but values of bound properties is known: what is restored is the whole feature all the same.
 
 namespace {
+
+/// A value that cannot be kept at times.
+struct Frail
+{
+    int number = 0;
+
+    friend bool operator==(const Frail&, const Frail&) = default;
+    friend QDataStream& operator<<(QDataStream& stream, const Frail& frail)
+    {
+        ZAXProbeData::Run("keeping");
+        if (frail.number == 13)
+            throw std::runtime_error("No such number is kept.");
+        return stream << frail.number;
+    }
+    friend QDataStream& operator>>(QDataStream& stream, Frail& frail) { return stream >> frail.number; }
+};
+
+/// A number that takes the note along, in the middle of its own change.
+class LeadingProperty : public ZAXFeatValueProperty<double>
+{
+public:
+    using ZAXFeatValueProperty::ZAXFeatValueProperty;
+
+    void EndModify(bool silent) override
+    {
+        follower->SetValue(QString::number(GetValue()), silent);
+        ZAXFeatValueProperty::EndModify(silent);
+    }
+
+    ZAXFeatValueProperty<QString>* follower = nullptr;
+};
 
 /// A text that labels its feature in the middle of its own change.
 class TitleProperty : public ZAXFeatValueProperty<QString>
@@ -41,13 +73,18 @@ class ZAXProbeSheet : public ZAXProbePart
     Q_PROPERTY(QByteArray key READ GetKey)
     Q_PROPERTY(bool isOn READ IsOn)
     Q_PROPERTY(QString title READ GetTitle)
+    Q_PROPERTY(double lead READ GetLead)
+    Q_PROPERTY(double shown READ GetShown NOTIFY ShownChanged)
+    Q_PROPERTY(QString remark READ GetRemark)
+    Q_PROPERTY(Frail frail READ GetFrail)
 
 public:
     Q_INVOKABLE ZAXProbeSheet(ZAXGeoContainer* container, const ZAXGeoGeometryRef& reference)
         : ZAXProbePart(container, reference)
     {
+        lead.follower = &note;
     }
-    Q_INVOKABLE explicit ZAXProbeSheet(ZAXFeatContainer* container) : ZAXProbePart(container) {}
+    Q_INVOKABLE explicit ZAXProbeSheet(ZAXFeatContainer* container) : ZAXProbePart(container) { lead.follower = &note; }
 
     QString GetNote() const { return note.GetValue(); }
     double GetWeight() const { return weight.GetValue(); }
@@ -55,19 +92,31 @@ public:
     QByteArray GetKey() const { return key.GetValue(); }
     bool IsOn() const { return isOn.GetValue(); }
     QString GetTitle() const { return title.GetValue(); }
+    double GetLead() const { return lead.GetValue(); }
+    double GetShown() const { return shown.GetValue(); }
+    QString GetRemark() const { return remark.GetValue(); }
+    Frail GetFrail() const { return frail.GetValue(); }
 
     void Save(ZAXGeoStream& stream) const override
     {
         ++saves;
         ZAXProbeData::Run("Save of a sheet");
         ZAXProbePart::Save(stream);
-        stream << note << weight << color << key << isOn << static_cast<const ZAXFeatValueProperty<QString>&>(title);
+        stream << static_cast<const ZAXFeatValueProperty<double>&>(lead) << note << weight << color << key << isOn
+               << static_cast<const ZAXFeatValueProperty<QString>&>(title) << frail.GetValue().number;
+        if (isOn.GetValue())
+            stream << remark;
     }
     void Load(ZAXGeoStream& stream) override
     {
         ZAXProbePart::Load(stream);
         ZAXProbeData::Run("Load of a sheet");
-        stream >> note >> weight >> color >> key >> isOn >> static_cast<ZAXFeatValueProperty<QString>&>(title);
+        Frail kept;
+        stream >> static_cast<ZAXFeatValueProperty<double>&>(lead) >> note >> weight >> color >> key >> isOn >>
+            static_cast<ZAXFeatValueProperty<QString>&>(title) >> kept.number;
+        frail.SetValue(kept, false);
+        if (isOn.GetValue())
+            stream >> remark;
     }
 
     ZAXFeatValueProperty<QString> note{this, Index("note"), QString(), true};
@@ -76,6 +125,12 @@ public:
     ZAXFeatValueProperty<QByteArray> key{this, Index("key"), QByteArray(), true};
     ZAXFeatValueProperty<bool> isOn{this, Index("isOn"), false, true};
     TitleProperty title{this, Index("title"), QString(), true};
+    LeadingProperty lead{this, Index("lead"), 0, true};
+    /// Not saved.
+    ZAXFeatValueProperty<double> shown{this, Index("shown"), 0, true};
+    /// Saved while the sheet is on.
+    ZAXFeatValueProperty<QString> remark{this, Index("remark"), QString(), true};
+    ZAXFeatValueProperty<Frail> frail{this, Index("frail"), Frail(), true};
     /// Bound to the same property as another one, as long as it is there.
     std::optional<ZAXFeatValueProperty<double>> temporary;
     mutable int saves = 0;
@@ -84,6 +139,7 @@ signals:
     void NoteChanged(const QString& note);
     void WeightChanged(double weight);
     void ColorChanged(const QColor& color);
+    void ShownChanged(double shown);
 
 private:
     static int Index(const char* property) { return staticMetaObject.indexOfProperty(property); }
@@ -121,9 +177,15 @@ private slots:
     void changesAreRolledBack();
     void whatIsAsBeforeIsNoStep_data();
     void whatIsAsBeforeIsNoStep();
+    void whatIsNotSavedIsNoStep();
+    void whatIsSavedAtTimesIsAStepThen();
+    void valueThatCannotBeKeptDoesNotChange();
+    void valueThatIsNotKeptAfterItsChangeMarksTheDocument_data();
+    void valueThatIsNotKeptAfterItsChangeMarksTheDocument();
     void valuesThatAreStoredDifferentlyDiffer_data();
     void valuesThatAreStoredDifferentlyDiffer();
 
+    void equalColorsOfDifferentHuesDiffer();
     void changeDoesNotSaveTheFeature();
     void restoringRaisesTheSignalOfWhatChanges();
     void undoOfWhatCannotBeSavedIsRefused();
@@ -133,6 +195,7 @@ private slots:
     void destroyedFeatureIsForgotten();
     void propertyBoundToTheSameIndexTakesTheWholeFeature();
     void namesFollowTheLabel();
+    void whatSlotsDoOverAndOverIsTakenBack();
 };
 
 void tst_undo_values::initTestCase()
@@ -168,9 +231,11 @@ void tst_undo_values::changeIsTakenBackAndDoneAgain_data()
     row("number", [](ZAXProbeSheet& s) { s.weight.SetValue(2.5, false); });
     row("not a number", [](ZAXProbeSheet& s) { s.weight.SetValue(std::numeric_limits<double>::quiet_NaN(), false); });
     row("color", [](ZAXProbeSheet& s) { s.color.SetValue(QColor(1, 2, 3, 4), false); });
+    row("color of another model", [](ZAXProbeSheet& s) { s.color.SetValue(QColor::fromHsv(1, 2, 3, 4), false); });
     row("bytes", [](ZAXProbeSheet& s) { s.key.SetValue(QByteArray("\0k", 2), false); });
     row("flag", [](ZAXProbeSheet& s) { s.isOn.SetValue(true, false); });
     row("text that changes more than itself", [](ZAXProbeSheet& s) { s.title.SetValue(QLatin1String("new"), false); });
+    row("number that changes another value", [](ZAXProbeSheet& s) { s.lead.SetValue(3, false); });
 }
 
 void tst_undo_values::changeIsTakenBackAndDoneAgain()
@@ -282,9 +347,13 @@ void tst_undo_values::whatIsAsBeforeIsNoStep_data()
         s.weight.SetValue(1, false);
         s.weight.SetValue(0, false);
     });
-    row("streamed", [](ZAXProbeSheet& s) {
+    row("color", [](ZAXProbeSheet& s) {
         s.color.SetValue(QColor(Qt::red), false);
         s.color.SetValue(QColor(), false);
+    });
+    row("streamed", [](ZAXProbeSheet& s) {
+        s.frail.SetValue({2}, false);
+        s.frail.SetValue({0}, false);
     });
     row("all that changed", [](ZAXProbeSheet& s) {
         s.weight.SetValue(1, false);
@@ -298,6 +367,14 @@ void tst_undo_values::whatIsAsBeforeIsNoStep_data()
         s.weight.SetValue(0, false);
         s.SetLabel(QString());
     });
+    row("what is not saved", [](ZAXProbeSheet& s) { s.shown.SetValue(1, false); });
+    row("what is not saved just now", [](ZAXProbeSheet& s) { s.remark.SetValue(QLatin1String("new"), false); });
+    row("what is not saved, and what is as before", [](ZAXProbeSheet& s) {
+        s.shown.SetValue(1, false);
+        s.weight.SetValue(1, false);
+        s.remark.SetValue(QLatin1String("new"), false);
+        s.weight.SetValue(0, false);
+    });
 }
 
 void tst_undo_values::whatIsAsBeforeIsNoStep()
@@ -308,6 +385,88 @@ void tst_undo_values::whatIsAsBeforeIsNoStep()
     QVERIFY(transaction.Commit());
     QCOMPARE(Stack().count(), 0);
     QVERIFY(!document->IsModified());
+}
+
+void tst_undo_values::whatIsNotSavedIsNoStep()
+{
+    QSignalSpy changed(sheet, &ZAXProbeSheet::ShownChanged);
+    // It stays so, whatever else has been a step.
+    for (int i = 1; i < 4; ++i) {
+        sheet->shown.SetValue(i, false);
+        QCOMPARE(Stack().count(), i - 1);
+        QCOMPARE(changed.size(), i);
+        other->weight.SetValue(i, false);
+        QCOMPARE(Stack().count(), i);
+        Stack().setClean();
+        sheet->shown.SetValue(-i, true);
+        QVERIFY(!document->IsModified());
+    }
+    QVERIFY(Undo().Undo());
+    QCOMPARE(other->GetWeight(), 2.0);
+    QCOMPARE(sheet->GetShown(), -3.0);
+}
+
+void tst_undo_values::whatIsSavedAtTimesIsAStepThen()
+{
+    sheet->isOn.SetValue(true, false);
+    for (int i = 0; i < 3; ++i) {
+        sheet->remark.SetValue(QString::number(i), false);
+        QCOMPARE(Stack().count(), 2 + i);
+    }
+    QVERIFY(Undo().Undo());
+    QCOMPARE(sheet->GetRemark(), QLatin1String("1"));
+    QVERIFY(Undo().Clear());
+    sheet->isOn.SetValue(false, false);
+    sheet->remark.SetValue(QLatin1String("off"), false);
+    // The host takes it for saved until it is taken back.
+    QVERIFY(Undo().Undo());
+    QCOMPARE(Stack().index(), 1);
+    sheet->remark.SetValue(QLatin1String("off again"), false);
+    QCOMPARE(Stack().index(), 1);
+}
+
+void tst_undo_values::valueThatCannotBeKeptDoesNotChange()
+{
+    QVERIFY(Undo().Clear());
+    ZAXProbeData::failAt = "keeping";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, sheet->frail.SetValue({3}, false));
+    ZAXProbeData::failAt = "";
+    QCOMPARE(sheet->GetFrail().number, 0);
+    QCOMPARE(Stack().count(), 0);
+    QVERIFY(!document->IsModified());
+    QVERIFY(!Undo().IsBusy());
+    // The same within a transaction that has something to do already.
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Both"));
+    other->weight.SetValue(1, false);
+    ZAXProbeData::failAt = "keeping";
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error, sheet->frail.SetValue({3}, false));
+    ZAXProbeData::failAt = "";
+    other->weight.SetValue(0, false);
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), 0);
+    QVERIFY(!document->IsModified());
+}
+
+void tst_undo_values::valueThatIsNotKeptAfterItsChangeMarksTheDocument_data()
+{
+    QTest::addColumn<bool>("isWithOthers");
+    QTest::newRow("alone") << false;
+    QTest::newRow("with another value") << true;
+}
+
+void tst_undo_values::valueThatIsNotKeptAfterItsChangeMarksTheDocument()
+{
+    QFETCH(bool, isWithOthers);
+    ZAXHostTransaction transaction(Undo(), QLatin1String("One or both"));
+    sheet->frail.SetValue({13}, false);
+    other->weight.SetValue(isWithOthers, false);
+    QVERIFY(transaction.Commit());
+    QVERIFY(document->IsModified());
+    QCOMPARE(Stack().count(), int(isWithOthers));
+    QVERIFY(Undo().Undo());
+    QCOMPARE(other->GetWeight(), 0.0);
+    QVERIFY(document->IsModified());
+    QVERIFY(!Undo().IsBusy());
 }
 
 void tst_undo_values::valuesThatAreStoredDifferentlyDiffer_data()
@@ -339,11 +498,31 @@ void tst_undo_values::valuesThatAreStoredDifferentlyDiffer()
     QVERIFY(document->Encode() != before);
 }
 
+void tst_undo_values::equalColorsOfDifferentHuesDiffer()
+{
+    const QColor full = QColor::fromHsvF(1, 1, 1);
+    const QColor none = QColor::fromHsvF(0, 1, 1);
+    QVERIFY(full == none);
+    sheet->color.SetValue(full, false);
+    const QByteArray before = document->Encode();
+    ZAXHostTransaction transaction(Undo(), QLatin1String("Almost back"));
+    sheet->color.SetValue(QColor(Qt::blue), false);
+    sheet->color.SetValue(none, false);
+    QVERIFY(transaction.Commit());
+    QCOMPARE(Stack().count(), 2);
+    QVERIFY(document->Encode() != before);
+}
+
 void tst_undo_values::changeDoesNotSaveTheFeature()
 {
+    // Only the first one, which shows that the value is saved.
+    sheet->note.SetValue(QLatin1String("first"), false);
     sheet->saves = 0;
+    other->saves = 0;
     sheet->note.SetValue(QLatin1String("new"), false);
+    other->note.SetValue(QLatin1String("new"), false);
     QCOMPARE(sheet->saves, 0);
+    QCOMPARE(other->saves, 0);
     sheet->SetLabel(QLatin1String("new"));
     QCOMPARE(sheet->saves, 2);
 }
@@ -460,6 +639,7 @@ void tst_undo_values::destroyedFeatureIsForgotten()
 
 void tst_undo_values::propertyBoundToTheSameIndexTakesTheWholeFeature()
 {
+    other->weight.SetValue(1, false);
     sheet->temporary.emplace(sheet, sheet->weight.GetPropertyIndex(), 7.0, true);
     sheet->saves = 0;
     // The earlier one is no longer what the index leads to.
@@ -485,6 +665,35 @@ void tst_undo_values::namesFollowTheLabel()
     QCOMPARE(Stack().undoText(), QLatin1String("Change Renamed"));
     other->Remove();
     QCOMPARE(Stack().undoText(), QLatin1String("Remove Renamed"));
+}
+
+void tst_undo_values::whatSlotsDoOverAndOverIsTakenBack()
+{
+    QList<ZAXProbeSheet*> others;
+    for (int i = 0; i < 4; ++i)
+        others.append(qobject_cast<ZAXProbeSheet*>(document->GetContainer()->CreateInstance("ZAXProbeSheet", nullptr)));
+    sheet->note.SetValue(QLatin1String("new"), true);
+    const auto once = [](ZAXProbeSheet* sender, auto signal, const std::function<void()>& work) {
+        connect(sender, signal, sender, work, Qt::SingleShotConnection);
+    };
+    once(sheet, &ZAXProbeSheet::NoteChanged, [&] {
+        for (int i = 0; i < 3; ++i)
+            others.at(i)->note.SetValue(QLatin1String("of a slot"), true);
+        // When that is taken back, something goes that was among it, and the rest changes anew.
+        once(others.at(2), &ZAXProbeSheet::NoteChanged, [&] {
+            others.at(1)->note.SetValue(QLatin1String("again"), true);
+            delete others.at(0);
+            others.at(3)->note.SetValue(QLatin1String("too"), true);
+            once(sheet, &ZAXProbeSheet::WeightChanged,
+                 [&] { others.at(1)->note.SetValue(QLatin1String("once more"), true); });
+            sheet->weight.SetValue(5, true);
+        });
+    });
+    QVERIFY(Undo().Undo());
+    for (int i = 1; i < 4; ++i)
+        QCOMPARE(others.at(i)->GetNote(), QString());
+    QCOMPARE(sheet->GetNote(), QString());
+    QCOMPARE(sheet->GetWeight(), 0.0);
 }
 
 QTEST_GUILESS_MAIN(tst_undo_values)
