@@ -107,7 +107,7 @@ private:
             m_tops.push_back(std::move(made));
         } else {
             d.AttachTo(m_byId.value(record.parent), -1);
-            made.release();
+            static_cast<void>(made.release());
         }
         m_byId.insert(record.id, feature);
         m_references.insert(ZAXGeoGeometryRef::FromId(record.id), ZAXGeoGeometryRef(feature));

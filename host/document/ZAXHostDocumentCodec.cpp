@@ -209,11 +209,12 @@ private:
         const auto sum = m_reader.Number<quint32>();
         const bool isWhole = m_reader.IsGood() && sum == Checksum(m_bytes.data(), end);
         // A newer format may have a header that only its readers can check.
-        if (leastReader > formatVersion)
+        if (leastReader > formatVersion) {
             return ZAXHostResult::Failed(
                 Tr("The document was written by a newer program: reading it takes format %1, this program knows "
                    "format %2.")
                     .arg(QString::number(leastReader), QString::number(formatVersion)));
+        }
         if (!isWhole || !AreClassesInOrder())
             return ZAXHostResult::Failed(ZAXHostDocumentDamage{
                 0, 0, 0, {}, QT_TRANSLATE_NOOP("ZAXHostDocument", "the header is not what was written")}

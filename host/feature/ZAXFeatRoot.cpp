@@ -30,7 +30,8 @@ void ZAXFeatRoot::EndStateLoad()
 
 bool ZAXFeatRoot::IsChildAllowed(const QMetaObject* childType) const
 {
-    return ZAXFeatObject::IsChildAllowed(childType);
+    // Not what a folder does, which leaves that to its parent.
+    return ZAXFeatObject::IsChildAllowed(childType); // NOLINT(bugprone-parent-virtual-call)
 }
 
 bool ZAXFeatRoot::IsUserDeletable() const

@@ -184,9 +184,10 @@ ZAXGeoContainer* ZAXGeoStream::GetContainer() const
 
 int ZAXGeoStream::GetVersion(const QMetaObject* type) const
 {
-    return d_ptr->versions
-               ? d_ptr->versions->value(QByteArray::fromRawData(type->className(), qstrlen(type->className())), 1)
-               : GetCurrentVersion(type);
+    if (!d_ptr->versions)
+        return GetCurrentVersion(type);
+    const QByteArrayView name(type->className());
+    return d_ptr->versions->value(QByteArray::fromRawData(name.data(), name.size()), 1);
 }
 
 void ZAXGeoStream::SetVersions(const QHash<QByteArray, int>& versions)
@@ -299,7 +300,8 @@ ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QString& value)
 {
     const qsizetype size = value.size() * static_cast<qsizetype>(sizeof(QChar));
     const bool isShort = !value.isNull() && size <= ZAXGeoStreamPrivate::longSize;
-    char* const to = isShort ? ZAXGeoStreamPrivate::Get(stream).Extend(sizeof(quint32) + size) : nullptr;
+    char* const to =
+        isShort ? ZAXGeoStreamPrivate::Get(stream).Extend(static_cast<qsizetype>(sizeof(quint32)) + size) : nullptr;
     if (!to) {
         stream.GetDataStream() << value;
         return stream;
@@ -327,7 +329,9 @@ ZAXGeoStream& operator>>(ZAXGeoStream& stream, QString& value)
 ZAXGeoStream& operator<<(ZAXGeoStream& stream, const QByteArray& value)
 {
     const bool isShort = !value.isNull() && value.size() <= ZAXGeoStreamPrivate::longSize;
-    char* const to = isShort ? ZAXGeoStreamPrivate::Get(stream).Extend(sizeof(quint32) + value.size()) : nullptr;
+    char* const to =
+        isShort ? ZAXGeoStreamPrivate::Get(stream).Extend(static_cast<qsizetype>(sizeof(quint32)) + value.size())
+                : nullptr;
     if (!to) {
         stream.GetDataStream() << value;
         return stream;

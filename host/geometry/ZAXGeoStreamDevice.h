@@ -21,7 +21,11 @@ public:
     }
 
     /// seek() to what is there.
-    void MoveTo(qint64 position) { QIODevice::seek(position); }
+    void MoveTo(qint64 position)
+    {
+        // The buffer's own looks first whether there is anything to be filled up.
+        QIODevice::seek(position); // NOLINT(bugprone-parent-virtual-call)
+    }
 
     /// The place of \a reference in the table, counted from 1, where it is entered if need be; 0 for an invalid one.
     quint32 PlaceOf(const ZAXGeoGeometryRef& reference)

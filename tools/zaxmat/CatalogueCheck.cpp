@@ -332,13 +332,14 @@ private:
     {
         const JsonNode* const key = record.value.Find(QLatin1String("key"));
         const qsizetype offset = key ? key->begin : record.value.begin;
-        if (KeyOf(record).isEmpty())
+        if (!key || KeyOf(record).isEmpty()) {
             AddFor(record, "no-key", offset, Text::tr("the record has no key, and is dropped by readers"));
-        else if (!IsAscii(key->text))
+        } else if (!IsAscii(key->text)) {
             AddFor(record, "key-letters", offset,
                    Text::tr("the key %1 holds letters outside ASCII, and is lost when the application writes the "
                             "catalogue")
                        .arg(Quoted(key->text)));
+        }
     }
 
     void CheckMembers(const JsonMember& record)

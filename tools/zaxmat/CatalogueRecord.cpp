@@ -50,11 +50,12 @@ void RequireValues(const QJsonObject& previous, const QByteArray& key)
     const bool isRight = properties.isUndefined() ||
                          (properties.isObject() &&
                           std::ranges::all_of(extensions, [](const QJsonValue& table) { return table.isObject(); }));
-    if (!isRight)
+    if (!isRight) {
         throw Failure(ExitCode::FileFailure,
                       Text::tr("The record %1 holds something other than values, which writing it would lose. Nothing "
                                "was written. \"zaxmat check\" tells more.")
                           .arg(Quoted(QString::fromLatin1(key))));
+    }
 }
 
 QJsonObject TableToJson(const ZAXMatDefinition& record, const QByteArray& extension, const QJsonObject& previous)

@@ -176,11 +176,12 @@ QList<ImportedRow> ImportPlan::Plan(const std::function<void(qsizetype)>& advanc
                 continue;
             planned[i] = type ? PlanRow(row, *type) : ImportedRow{};
             planned[i].isTypeKnown = type.has_value();
-            if (!type)
+            if (!type) {
                 planned[i].reason =
                     Text::tr("%1 is no type; it must be %2 or %3")
                         .arg(Quoted(CellOf(row, Kind::Type)), Quoted(TypeWord(ZAXMatDefinition::Material)),
                              Quoted(TypeWord(ZAXMatDefinition::Packaging)));
+            }
             planned[i].line = row.line;
             advance(++done);
         }
@@ -321,11 +322,12 @@ ZAXMatDefinition ImportPlan::NewRecord(const CsvRow& row, Type type, const QByte
 {
     const QString name = CellOf(row, Kind::Name);
     const QString key = CellOf(row, Kind::Key).trimmed();
-    if (name.trimmed().isEmpty())
+    if (name.trimmed().isEmpty()) {
         throw Rejected(key.isEmpty() || !m_match.isEmpty()
                            ? Text::tr("a new record needs a name")
                            : Text::tr("the catalogue has no %1 of the key %2, and a new one needs a name")
                                  .arg(TypeWord(type), Quoted(key)));
+    }
     ZAXMatDefinition record =
         type == ZAXMatDefinition::Material ? m_schema.NewMaterial(name) : m_schema.NewStockForm(name, materialKey);
     if (m_match.isEmpty() && !key.isEmpty())
