@@ -1,7 +1,7 @@
 # Sourced by run.sh and the scripts beside it: installs what a bare Debian 12 lacks, or says what to install.
 
 zax_packages="g++ cmake ninja-build qt6-base-dev zlib1g-dev libcli11-dev libcsv-dev rapidjson-dev"
-zax_test_packages="locales qt6-l10n-tools"
+zax_test_packages="locales qt6-l10n-tools valgrind libc6-dbg"
 zax_benchmark_packages="gnuplot-nox"
 zax_asan_packages="clang-14 libclang-rt-14-dev llvm-14"
 zax_coverage_packages="gcovr"

@@ -243,7 +243,10 @@ ZAXHostResult ZAXHostDocument::Open(const QString& path, Damage damage)
         return failed(QT_TRANSLATE_NOOP("ZAXHostDocument", "The document %1 cannot be opened: %2"), file.errorString());
     if (isOwn)
         lock = std::move(d_ptr->lock);
-    const QByteArray bytes = file.readAll();
+    // What was read before a failure Qt gives without a word: only the next attempt tells of it.
+    QByteArray bytes = file.readAll();
+    for (QByteArray more = file.readAll(); !more.isEmpty(); more = file.readAll())
+        bytes.append(more);
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
