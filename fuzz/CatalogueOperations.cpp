@@ -183,7 +183,9 @@ private:
     {
         const bool isThroughCache = IsThroughCache();
         const QByteArray key = AnyKey();
-        m_model.LoadIfChanged();
+        // The cache keeps a record without a key from the provider.
+        if (!isThroughCache || !key.isEmpty())
+            m_model.LoadIfChanged();
         ZAXMatDefinition record =
             m_input.Below(2) == 0 ? m_model.tables.materials.value(key) : m_model.tables.packagings.value(key);
         record.SetKey(key);

@@ -51,6 +51,9 @@ void tst_ZaxmatCsv::readsCells_data()
                                                    "a,b\n1,2\n")
                                      << two;
     QTest::newRow("blank lines") << QByteArray("\n\na,b\r\n\r\n1,2\n\n") << two;
+    QTest::newRow("lines of spaces") << QByteArray("  \na,b\n   \r\n1,2\n  ") << two;
+    QTest::newRow("a line of spaces in quotation marks")
+        << QByteArray("\" \"\n1\n") << QList<QStringList>{{" "}, {"1"}};
     QTest::newRow("quotation marks") << QByteArray("\"a\",\"b\"\n\"1\",2\n") << two;
     QTest::newRow("nothing") << QByteArray() << QList<QStringList>{};
     QTest::newRow("a mark only") << QByteArray("\xEF\xBB\xBF") << QList<QStringList>{};
@@ -84,6 +87,7 @@ void tst_ZaxmatCsv::recognisesTheSeparator_data()
     QTest::newRow("others in quotation marks")
         << QByteArray("\"a;\tb\",c\n") << ',' << QList<QStringList>{{"a;\tb", "c"}};
     QTest::newRow("told") << QByteArray("sep=,\na;b,c\n") << ',' << QList<QStringList>{{"a;b", "c"}};
+    QTest::newRow("behind a line of spaces") << QByteArray(" \na;b\n") << ';' << QList<QStringList>{{"a", "b"}};
     QTest::newRow("told in quotation marks")
         << QByteArray("\"SEP=;\"\r\na,b\r\n") << ';' << QList<QStringList>{{"a,b"}};
     QTest::newRow("tab told") << QByteArray("sep=\t\na,b\n") << '\t' << QList<QStringList>{{"a,b"}};

@@ -104,10 +104,12 @@ public:
     void Parse(QByteArrayView line)
     {
         ++m_line;
+        // A blank line begins no row, nor does one of spaces.
+        if (!m_isInRow && std::ranges::all_of(line, [](char c) { return c == ' ' || c == '\r' || c == '\n'; }))
+            return;
         if (!m_isInRow)
             m_row = {m_line, {}};
-        // A blank line begins no row.
-        m_isInRow = m_isInRow || !(line.startsWith('\n') || line.startsWith('\r'));
+        m_isInRow = true;
         const auto size = static_cast<size_t>(line.size());
         if (csv_parse(&m_parser, line.data(), size, AddCell, EndRow, this) != size)
             throw CsvError(m_line, Text::tr("a quotation mark stands inside a cell; a cell that holds quotation marks "

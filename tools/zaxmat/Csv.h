@@ -25,7 +25,7 @@ struct CsvTable
 {
     /// What stands between the cells: a comma, a semicolon or a tab.
     char separator = ',';
-    /// All rows, those of one empty cell left out, the row of titles first. They may be of different lengths.
+    /// All rows, lines that are blank or hold nothing but spaces left out, the row of titles first. They may be of different lengths.
     QList<CsvRow> rows;
 };
 
