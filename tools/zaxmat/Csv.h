@@ -25,7 +25,8 @@ struct CsvTable
 {
     /// What stands between the cells: a comma, a semicolon or a tab.
     char separator = ',';
-    /// All rows, lines that are blank or hold nothing but spaces left out, the row of titles first. They may be of different lengths.
+    /// All rows, lines that are blank or hold nothing but spaces left out, the row of titles first. They may be of
+    /// different lengths.
     QList<CsvRow> rows;
 };
 
@@ -51,7 +52,8 @@ private:
 CsvTable ReadCsv(const QByteArray& bytes);
 
 /// One row as RFC 4180 has it, its line break included, in UTF-8. Only a cell that needs quotation marks gets them: an
-/// empty text that is not null is one. ReadCsv() brings every row back as it was.
+/// empty text that is not null is one. ReadCsv() brings every row back as it was, but for a byte order
+/// mark in front of a text.
 QByteArray CsvLine(const QStringList& cells, char separator = ',');
 
 } // namespace zaxmat
