@@ -5,13 +5,17 @@
 #include "FuzzInput.h"
 #include "ZAXMatCatalogueReader.h"
 
+#include <QBuffer>
 #include <QJsonDocument>
 
 namespace {
 
-void RequireAsQtReads(const QByteArray& text)
+/// In pieces of \a pieceSize bytes.
+void RequireAsQtReads(QByteArray text, qsizetype pieceSize)
 {
-    const auto records = ZAXMatCatalogueReader(text).Read();
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    const auto records = ZAXMatCatalogueReader(buffer, pieceSize).Read();
     if (!records)
         return;
     Require(QJsonDocument::fromJson(text).isObject(), "Qt takes what the library reads");
@@ -54,7 +58,9 @@ bool IsReadAsWritten(const ZAXMatDefinition& record)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const QByteArray text = FuzzInput(data, size).Rest();
-    RequireAsQtReads(text);
+    // Pieces that end in any place, by the size of the text.
+    RequireAsQtReads(text, 1 + text.size() % 61);
+    RequireAsQtReads(text, text.size() + 1);
     const auto records = CatalogueModel::ReadByQt(text);
     for (ZAXMatDefinition record : records) {
         // A name that is missing is written as an empty one.

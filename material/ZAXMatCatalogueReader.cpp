@@ -2,6 +2,8 @@
 
 #include "ZAXMatDefinitionPrivate.h"
 
+#include <QIODevice>
+
 #include <algorithm>
 #include <cstring>
 #include <functional>
@@ -53,10 +55,54 @@ constexpr std::array powersOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e
 
 } // namespace
 
-ZAXMatCatalogueReader::ZAXMatCatalogueReader(const QByteArray& text)
-    : m_at(text.constData()), m_end(text.constData() + text.size())
+ZAXMatCatalogueReader::ZAXMatCatalogueReader(QIODevice& device, qsizetype pieceSize)
+    : m_device(device),
+      m_piece(std::make_unique_for_overwrite<char[]>(std::size_t(pieceSize) + 1)),
+      m_pieceSize(pieceSize),
+      m_part(m_piece.get()),
+      m_at(m_piece.get()),
+      m_end(m_piece.get())
 {
-    // A QByteArray ends with a zero byte, which nothing below takes: no other check for the end is needed.
+    m_piece[0] = '\0';
+}
+
+/// Reads a part of the text: once more, and from its start, whenever the piece ends in it.
+template <typename ReadPart>
+bool ZAXMatCatalogueReader::ReadWhole(ReadPart readPart)
+{
+    m_part = m_at;
+    while (!readPart()) {
+        if (m_at != m_end || !ReadMore())
+            return false;
+    }
+    return true;
+}
+
+/// Makes place for more of the text behind the part that is being read, and starts again with that. False at the end.
+bool ZAXMatCatalogueReader::ReadMore()
+{
+    if (m_isAtEnd)
+        return false;
+    const qsizetype kept = m_end - m_part;
+    if (kept > m_pieceSize / 2) {
+        m_pieceSize *= 2;
+        auto larger = std::make_unique_for_overwrite<char[]>(std::size_t(m_pieceSize) + 1);
+        std::memcpy(larger.get(), m_part, std::size_t(kept));
+        m_piece = std::move(larger);
+    } else {
+        std::memmove(m_piece.get(), m_part, std::size_t(kept));
+    }
+    qsizetype size = kept;
+    while (size < m_pieceSize && !m_isAtEnd) {
+        const qint64 read = m_device.read(m_piece.get() + size, m_pieceSize - size);
+        m_isAtEnd = read <= 0;
+        size += qMax(read, 0);
+    }
+    m_piece[std::size_t(size)] = '\0';
+    m_part = m_piece.get();
+    m_at = m_part;
+    m_end = m_part + size;
+    return size > kept;
 }
 
 void ZAXMatCatalogueReader::SkipSpace()
@@ -77,7 +123,12 @@ bool ZAXMatCatalogueReader::Take(char wanted)
 
 bool ZAXMatCatalogueReader::TakeWord(QByteArrayView word)
 {
-    if (m_end - m_at < word.size() || std::memcmp(m_at, word.data(), std::size_t(word.size())) != 0)
+    if (m_end - m_at < word.size()) {
+        // The rest of it may come with the next piece.
+        m_at = m_end;
+        return false;
+    }
+    if (std::memcmp(m_at, word.data(), std::size_t(word.size())) != 0)
         return false;
     m_at += word.size();
     return true;
@@ -89,14 +140,20 @@ bool ZAXMatCatalogueReader::ReadObject(ReadMember readMember)
 {
     if (!Take('{'))
         return false;
-    if (Take('}'))
-        return true;
-    do {
+    bool isLast = Take('}');
+    while (!isLast) {
         Text name;
-        if (!ReadText(name) || !name.IsPlain() || !Take(':') || !readMember(name.bytes))
+        if (!ReadName(name) || !readMember(name.bytes) || !ReadSeparator(isLast))
             return false;
-    } while (Take(','));
-    return Take('}');
+    }
+    return true;
+}
+
+/// Reads what stands behind a member: something between it and the next one, or the end of the object.
+bool ZAXMatCatalogueReader::ReadSeparator(bool& isLast)
+{
+    isLast = !Take(',');
+    return !isLast || Take('}');
 }
 
 bool ZAXMatCatalogueReader::ReadText(Text& text)
@@ -114,8 +171,16 @@ bool ZAXMatCatalogueReader::ReadText(Text& text)
         }
         ++m_at;
     }
-    text.bytes = QByteArrayView(begin, m_at);
-    return *m_at++ == '"';
+    if (*m_at != '"')
+        return false;
+    text.bytes = QByteArrayView(begin, m_at++);
+    return true;
+}
+
+/// Reads the name of a member and what separates it from the value.
+bool ZAXMatCatalogueReader::ReadName(Text& name)
+{
+    return ReadText(name) && name.IsPlain() && Take(':');
 }
 
 bool ZAXMatCatalogueReader::ReadKey(QByteArray& key)
@@ -137,10 +202,13 @@ bool ZAXMatCatalogueReader::ReadKnown(const Known*& known)
     for (const char byte : text.bytes)
         hash = hash * 31 + quint8(byte);
     Known& place = m_known[hash % m_known.size()];
-    if (place.bytes.isNull() || place.bytes != text.bytes) {
-        place.bytes = text.bytes;
-        place.string = text.hasEscapes ? QString::fromUtf8(Unescaped(text.bytes)) : QString::fromUtf8(text.bytes);
-        place.value = ZAXMatValue(QVariant(place.string));
+    // Of most texts no string is made: an equal one is there.
+    if (!text.IsPlain() || place.string.isNull() || place.string != QLatin1StringView(text.bytes)) {
+        QString string = QString::fromUtf8(text.hasEscapes ? Unescaped(text.bytes) : text.bytes);
+        if (place.string.isNull() || place.string != string) {
+            place.string = std::move(string);
+            place.value = ZAXMatValue(QVariant(place.string));
+        }
     }
     known = &place;
     return text.isAscii || !place.string.contains(QChar::ReplacementCharacter);
@@ -272,24 +340,46 @@ bool ZAXMatCatalogueReader::ReadRecord(ZAXMatDefinition& record)
 
 std::optional<ZAXMatCatalogueReader::Records> ZAXMatCatalogueReader::Read()
 {
-    std::vector<QByteArrayView> names;
+    QList<QByteArray> names;
     Records records;
-    const auto readMember = [&](QByteArrayView name) {
-        names.push_back(name);
-        return ReadRecord(records.emplace_back());
+    bool isLast = false;
+    const auto readStart = [&] {
+        if (!Take('{'))
+            return false;
+        isLast = Take('}');
+        return isLast || m_at != m_end;
     };
-    if (!ReadObject(readMember))
+    const auto readMember = [&] {
+        Text name;
+        ZAXMatDefinition& record = records.emplace_back();
+        if (!ReadName(name) || !ReadRecord(record) || !ReadSeparator(isLast)) {
+            records.removeLast();
+            return false;
+        }
+        // As a rule it is the record's key, and shared with that.
+        const QByteArray& key = ZAXMatDefinitionPrivate::Of(record).key;
+        names.append(name.bytes == key ? key : name.bytes.toByteArray());
+        return true;
+    };
+    if (!ReadWhole(readStart))
         return std::nullopt;
-    SkipSpace();
+    while (!isLast) {
+        if (!ReadWhole(readMember))
+            return std::nullopt;
+    }
+    do {
+        SkipSpace();
+        m_part = m_at;
+    } while (m_at == m_end && ReadMore());
     if (m_at != m_end)
         return std::nullopt;
     // As catalogues are written.
     if (std::ranges::adjacent_find(names, std::ranges::greater_equal()) == names.end())
         return records;
 
-    std::vector<qsizetype> order(names.size());
+    std::vector<qsizetype> order(std::size_t(names.size()));
     std::iota(order.begin(), order.end(), 0);
-    const auto nameOf = [&names](qsizetype position) { return names[std::size_t(position)]; };
+    const auto nameOf = [&names](qsizetype position) -> const QByteArray& { return names.at(position); };
     std::ranges::sort(order, {}, nameOf);
     if (std::ranges::adjacent_find(order, {}, nameOf) != order.end())
         return std::nullopt;

@@ -9,26 +9,33 @@
 #include <QString>
 
 #include <array>
+#include <memory>
 #include <optional>
 
-/// Reads the text of a catalogue straight into records, without the tree of a QJsonDocument in between, as long as it
-/// holds what catalogues hold. Whatever else stands in it, malformed or not, is left to QJsonDocument: nobody but Qt
-/// decides about it, and about what to report.
+class QIODevice;
+
+/// Reads the text of a catalogue straight into records, without the tree of a QJsonDocument in between and without the
+/// text as a whole, as long as it holds what catalogues hold. Whatever else stands in it, malformed or not, is left to
+/// QJsonDocument: nobody but Qt decides about it, and about what to report.
 class ZAXMatCatalogueReader
 {
 public:
     using Records = QList<ZAXMatDefinition>;
 
-    /// \a text must outlive this.
-    explicit ZAXMatCatalogueReader(const QByteArray& text);
+    /// Reads \a device, which is open and must outlive this, from where it stands, at first \a pieceSize bytes at a
+    /// time.
+    explicit ZAXMatCatalogueReader(QIODevice& device, qsizetype pieceSize = defaultPieceSize);
 
     /// The records as ZAXMatDefinition::FromJson() reads them from the members of the root object, in the order of
     /// the members' names. Null for a text with a member that no record has, an array, two members of the same name in
     /// one object, a key or name of a property beyond ASCII, a number with an exponent or more than 15 digits, or what
-    /// is unusual otherwise.
+    /// is unusual otherwise. A device that fails ends there; it has to be asked.
     std::optional<Records> Read();
 
 private:
+    /// So that a piece stays in the processor's cache while it is read.
+    static constexpr qsizetype defaultPieceSize = 262144;
+
     /// A text in quotes, as it stands there.
     struct Text
     {
@@ -39,12 +46,17 @@ private:
         bool IsPlain() const { return isAscii && !hasEscapes; }
     };
 
+    template <typename ReadPart>
+    bool ReadWhole(ReadPart readPart);
+    bool ReadMore();
     void SkipSpace();
     bool Take(char wanted);
     bool TakeWord(QByteArrayView word);
     template <typename ReadMember>
     bool ReadObject(ReadMember readMember);
     bool ReadText(Text& text);
+    bool ReadName(Text& name);
+    bool ReadSeparator(bool& isLast);
     bool ReadKey(QByteArray& key);
     struct Known;
     bool ReadKnown(const Known*& known);
@@ -55,16 +67,22 @@ private:
     bool ReadValues(ZAXMatValues& values);
     bool ReadRecord(ZAXMatDefinition& record);
 
-    /// A text that was met, and what it says.
+    /// A text that was met, as it is and as a value.
     struct Known
     {
-        QByteArrayView bytes;
         QString string;
         ZAXMatValue value;
     };
 
+    QIODevice& m_device;
+    bool m_isAtEnd = false;
+    /// The text from the part on that is being read, as far as it is known, and a zero byte, which nothing takes: no
+    /// other check for the end is needed.
+    std::unique_ptr<char[]> m_piece;
+    qsizetype m_pieceSize;
+    const char* m_part;
     const char* m_at;
-    const char* const m_end;
+    const char* m_end;
     ZAXMatValuesBuilder m_values;
     /// The same few texts stand in many records, which share them.
     std::array<Known, 512> m_known;

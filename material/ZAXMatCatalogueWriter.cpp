@@ -2,6 +2,7 @@
 
 #include "ZAXMatDefinitionPrivate.h"
 
+#include <QIODevice>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -22,6 +23,19 @@ bool IsPlain(char16_t character)
 }
 
 } // namespace
+
+ZAXMatCatalogueWriter::ZAXMatCatalogueWriter(QIODevice& device, qsizetype pieceSize)
+    : m_device(device), m_pieceSize(pieceSize)
+{
+}
+
+bool ZAXMatCatalogueWriter::HandOn()
+{
+    const bool isTaken = m_device.write(m_text) == m_text.size();
+    // Keeps its memory.
+    m_text.resize(0);
+    return isTaken;
+}
 
 /// Begins the next line.
 void ZAXMatCatalogueWriter::AppendLine(int depth)
@@ -145,7 +159,7 @@ bool ZAXMatCatalogueWriter::AppendRecord(const ZAXMatDefinition& record)
     return true;
 }
 
-std::optional<QByteArray> ZAXMatCatalogueWriter::Write(std::vector<Member> members)
+ZAXMatCatalogueWriter::Result ZAXMatCatalogueWriter::Write(std::vector<Member> members)
 {
     // Materials and packagings come one after the other, each in order as a rule.
     const auto second = std::ranges::is_sorted_until(members, {}, &Member::first);
@@ -159,9 +173,11 @@ std::optional<QByteArray> ZAXMatCatalogueWriter::Write(std::vector<Member> membe
         if (next != members.end() && next->first == member->first)
             continue;
         if (!AppendName(member->first, 1) || !AppendRecord(*member->second))
-            return std::nullopt;
+            return Result::Unusual;
+        if (m_text.size() >= m_pieceSize && !HandOn())
+            return Result::Refused;
     }
     AppendLine(0);
     m_text.append("}\n", 2);
-    return m_text;
+    return HandOn() ? Result::Written : Result::Refused;
 }

@@ -9,23 +9,41 @@
 #include <QByteArray>
 #include <QString>
 
-#include <optional>
 #include <utility>
 #include <vector>
 
-/// Writes the text of a catalogue straight from its records, without the tree of a QJsonDocument in between: to the
-/// byte what QJsonDocument makes of an object whose members are ZAXMatDefinition::ToJson() of the records.
+class QIODevice;
+
+/// Writes the text of a catalogue straight from its records, without the tree of a QJsonDocument in between and without
+/// the text as a whole: to the byte what QJsonDocument makes of an object whose members are ZAXMatDefinition::ToJson()
+/// of the records.
 class ZAXMatCatalogueWriter
 {
 public:
     /// A member's name, and its record.
     using Member = std::pair<QByteArray, const ZAXMatDefinition*>;
 
-    /// The text of \a members; of those of the same name the last one counts. Null when a name of a member, extension
-    /// or property goes beyond ASCII, as their order is Qt's business then, or when a value is no single one.
-    std::optional<QByteArray> Write(std::vector<Member> members);
+    enum class Result
+    {
+        Written,
+        /// A name of a member, extension or property goes beyond ASCII, so that their order is Qt's business, or a
+        /// value is no single one. The device may have got a part of the text.
+        Unusual,
+        /// The device does not take the text, or not all of it.
+        Refused,
+    };
+
+    /// Writes to \a device, which is open and must outlive this, about \a pieceSize bytes at a time.
+    explicit ZAXMatCatalogueWriter(QIODevice& device, qsizetype pieceSize = defaultPieceSize);
+
+    /// Writes the text of \a members; of those of the same name the last one counts.
+    Result Write(std::vector<Member> members);
 
 private:
+    /// So that a piece stays in the processor's cache until it is written.
+    static constexpr qsizetype defaultPieceSize = 262144;
+
+    bool HandOn();
     bool AppendRecord(const ZAXMatDefinition& record);
     bool AppendName(const QByteArray& name, int depth);
     void AppendBytes(const QByteArray& bytes);
@@ -35,6 +53,9 @@ private:
     bool AppendByQt(const QJsonValue& value);
     void AppendLine(int depth);
 
+    QIODevice& m_device;
+    const qsizetype m_pieceSize;
+    /// What the device has not got yet.
     QByteArray m_text;
 };
 

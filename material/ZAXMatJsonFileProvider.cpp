@@ -9,6 +9,7 @@
 #include "ZAXMatPackaging.h"
 #include "ZAXMatPackagingExtension.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -26,6 +27,7 @@
 #include <new>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -95,12 +97,10 @@ QJsonObject Parse(const QString& path, const QByteArray& text)
     return document.object();
 }
 
-/// The records of a file, in the order of the members of its root object; none, with the reason logged, when it is
-/// malformed.
-ZAXMatCatalogueReader::Records ReadRecords(const QString& path, const QByteArray& text)
+/// The records of a file's text, in the order of the members of its root object; none, with the reason logged, when it
+/// is malformed.
+ZAXMatCatalogueReader::Records ParseRecords(const QString& path, const QByteArray& text)
 {
-    if (auto records = ZAXMatCatalogueReader(text).Read())
-        return *std::move(records);
     ZAXMatCatalogueReader::Records records;
     const QJsonObject root = Parse(path, text);
     for (auto member = root.begin(); member != root.end(); ++member)
@@ -140,20 +140,74 @@ std::optional<QByteArray> ReadAll(QFile& file)
     return file.error() == QFileDevice::NoError ? std::optional(text) : std::nullopt;
 }
 
-/// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
-bool WriteAll(QFileDevice& file, const QByteArray& text)
+using Members = std::vector<ZAXMatCatalogueWriter::Member>;
+
+/// The text that the file at \a path is to hold, made by Qt; null, with the reason logged, when nobody could read it.
+std::optional<QByteArray> ToTextByQt(const QString& path, const Members& members)
 {
-    errno = 0;
-    // Flushed here: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
-    if (file.write(text) == text.size() && file.flush())
-        return true;
+    // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
+    QMap<QString, const ZAXMatDefinition*> records;
+    for (const auto& [key, record] : members)
+        records.insert(QString::fromUtf8(key), record);
+    QJsonObject root;
+    for (auto record = records.begin(); record != records.end(); ++record)
+        root.insert(record.key(), record.value()->ToJson());
+    const QByteArray text = QJsonDocument(root).toJson(QJsonDocument::Indented);
+    // Qt nests values more deeply than it reads them back, and a file that nobody can read is a catalogue lost.
+    QJsonParseError error;
+    QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        Warn("Cannot write", path, error.errorString());
+        return std::nullopt;
+    }
+    return text;
+}
+
+/// The same, made by Qt if need be.
+std::optional<QByteArray> ToText(const QString& path, const Members& members)
+{
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    const bool isWritten = ZAXMatCatalogueWriter(buffer).Write(members) == ZAXMatCatalogueWriter::Result::Written;
+    return isWritten ? buffer.data() : ToTextByQt(path, members);
+}
+
+/// False, after logging why the file cannot be written.
+bool Refuse(const QFileDevice& file)
+{
     // A device that is full takes a part of the bytes first, for which Qt knows no reason.
     Warn("Cannot write", file.fileName(), errno != 0 ? qt_error_string(errno) : file.errorString());
     return false;
 }
 
-/// Replaces the file by \a text as a whole. False, with the reason logged, when it stays as it was.
-bool WriteAside(QSaveFile& file, const QByteArray& text)
+/// Hands all of \a text to the system. False, with the reason logged, when it does not take it.
+bool WriteAll(QFileDevice& file, const QByteArray& text)
+{
+    errno = 0;
+    // Flushed here: QSaveFile does not look at what goes wrong with the last bytes when it closes the file.
+    return (file.write(text) == text.size() && file.flush()) || Refuse(file);
+}
+
+/// Writes \a members into \a file. False, with the reason logged, when the system does not take them or nobody could
+/// read them.
+bool WriteMembers(QSaveFile& file, const Members& members)
+{
+    errno = 0;
+    switch (ZAXMatCatalogueWriter(file).Write(members)) {
+    case ZAXMatCatalogueWriter::Result::Written:
+        return file.flush() || Refuse(file);
+    case ZAXMatCatalogueWriter::Result::Refused:
+        return Refuse(file);
+    case ZAXMatCatalogueWriter::Result::Unusual:
+        break;
+    }
+    const std::optional<QByteArray> text = ToTextByQt(file.fileName(), members);
+    errno = 0;
+    return text && ((file.resize(0) && file.seek(0)) || Refuse(file)) && WriteAll(file, *text);
+}
+
+/// Replaces the file by \a members as a whole. False, with the reason logged, when it stays as it was.
+bool WriteAside(QSaveFile& file, const Members& members)
 {
     // QSaveFile gives the new file the permissions of the old one, but counts in what the current user may do: for the
     // superuser that is everything.
@@ -161,7 +215,7 @@ bool WriteAside(QSaveFile& file, const QByteArray& text)
     if (QFileInfo::exists(file.fileName()))
         file.setPermissions(QFile::permissions(file.fileName()) & ~currentUser);
 
-    const bool isWritten = WriteAll(file, text);
+    const bool isWritten = WriteMembers(file, members);
     if (!isWritten)
         file.cancelWriting();
     const bool isReplaced = file.commit();
@@ -181,7 +235,7 @@ bool Resize(QFile& file, qint64 size)
 
 /// Overwrites the file, which must be unbuffered, by \a text. False, with the reason logged, when that fails; the file
 /// holds what it held before then, unless the system does not even take that back.
-bool WriteInPlace(QFile& file, const QByteArray& text)
+bool Overwrite(QFile& file, const QByteArray& text)
 {
     const std::optional<QByteArray> before = ReadAll(file);
     if (!before) {
@@ -259,10 +313,16 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
 QString ZAXMatJsonFileProviderPrivate::TakeText(QFile& file)
 {
     try {
-        const std::optional<QByteArray> text = ReadAll(file);
-        if (!text)
+        std::optional<ZAXMatCatalogueReader::Records> records = ZAXMatCatalogueReader(file).Read();
+        if (file.error() != QFileDevice::NoError)
             return file.errorString();
-        TakeRecords(ReadRecords(filePath, *text));
+        if (!records) {
+            const std::optional<QByteArray> text = file.seek(0) ? ReadAll(file) : std::nullopt;
+            if (!text)
+                return file.errorString();
+            records = ParseRecords(filePath, *text);
+        }
+        TakeRecords(*records);
         return {};
     } catch (const std::bad_alloc&) {
         return qt_error_string(ENOMEM);
@@ -307,62 +367,40 @@ QList<QByteArray> ZAXMatJsonFileProviderPrivate::GetPackagingKeys(const QByteArr
 bool ZAXMatJsonFileProviderPrivate::Write()
 {
     try {
-        const std::optional<QByteArray> text = ToText();
-        return text && WriteText(*text);
+        // A packaging takes the place of a material of its key.
+        Members members;
+        members.reserve(std::size_t(materials.GetKeys().size() + packagings.GetKeys().size()));
+        const auto toMember = [](const QByteArray& key, const ZAXMatDefinition& record) {
+            return ZAXMatCatalogueWriter::Member(key, &record);
+        };
+        for (const ZAXMatRecordTable* const table : {&materials, &packagings})
+            std::ranges::transform(table->GetKeys(), table->GetRecords(), std::back_inserter(members), toMember);
+
+        QSaveFile aside(filePath);
+        if (aside.open(QIODevice::WriteOnly))
+            return WriteAside(aside, members);
+        // A directory that takes no new file may still hold one that can be written to.
+        QFile inPlace(filePath);
+        if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
+            const std::optional<QByteArray> text = ToText(filePath, members);
+            return text && WriteInPlace(inPlace, *text);
+        }
+        Warn("Cannot write", filePath, aside.errorString());
+        return false;
     } catch (const std::bad_alloc&) {
         Warn("Cannot write", filePath, qt_error_string(ENOMEM));
         return false;
     }
 }
 
-bool ZAXMatJsonFileProviderPrivate::WriteText(const QByteArray& text)
+bool ZAXMatJsonFileProviderPrivate::WriteInPlace(QFile& file, const QByteArray& text)
 {
-    QSaveFile aside(filePath);
-    if (aside.open(QIODevice::WriteOnly))
-        return WriteAside(aside, text);
-    // A directory that takes no new file may still hold one that can be written to.
-    QFile inPlace(filePath);
-    if (inPlace.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
-        const bool wasRead = !mustLoad && fileTime.GetOpen(inPlace) == lastFileTime;
-        const bool isWritten = WriteInPlace(inPlace, text);
-        // The attempt alone gave the file a new time. Read again, it would take the records that are not in it away.
-        if (!isWritten && wasRead)
-            lastFileTime = fileTime.GetOpen(inPlace);
-        return isWritten;
-    }
-    Warn("Cannot write", filePath, aside.errorString());
-    return false;
-}
-
-std::optional<QByteArray> ZAXMatJsonFileProviderPrivate::ToText() const
-{
-    // A packaging takes the place of a material of its key.
-    std::vector<ZAXMatCatalogueWriter::Member> members;
-    members.reserve(std::size_t(materials.GetKeys().size() + packagings.GetKeys().size()));
-    const auto toMember = [](const QByteArray& key, const ZAXMatDefinition& record) {
-        return ZAXMatCatalogueWriter::Member(key, &record);
-    };
-    for (const ZAXMatRecordTable* const table : {&materials, &packagings})
-        std::ranges::transform(table->GetKeys(), table->GetRecords(), std::back_inserter(members), toMember);
-    if (auto text = ZAXMatCatalogueWriter().Write(members))
-        return text;
-
-    // In the order of a JSON object's members, which shifts them at every insertion but one at its end.
-    QMap<QString, const ZAXMatDefinition*> records;
-    for (const auto& [key, record] : members)
-        records.insert(QString::fromUtf8(key), record);
-    QJsonObject root;
-    for (auto record = records.begin(); record != records.end(); ++record)
-        root.insert(record.key(), record.value()->ToJson());
-    const QByteArray text = QJsonDocument(root).toJson(QJsonDocument::Indented);
-    // Qt nests values more deeply than it reads them back, and a file that nobody can read is a catalogue lost.
-    QJsonParseError error;
-    QJsonDocument::fromJson(text, &error);
-    if (error.error != QJsonParseError::NoError) {
-        Warn("Cannot write", filePath, error.errorString());
-        return std::nullopt;
-    }
-    return text;
+    const bool wasRead = !mustLoad && fileTime.GetOpen(file) == lastFileTime;
+    const bool isWritten = Overwrite(file, text);
+    // The attempt alone gave the file a new time. Read again, it would take the records that are not in it away.
+    if (!isWritten && wasRead)
+        lastFileTime = fileTime.GetOpen(file);
+    return isWritten;
 }
 
 void ZAXMatJsonFileProviderPrivate::AddPackaging(const ZAXMatDefinition& packaging)

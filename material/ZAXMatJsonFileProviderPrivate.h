@@ -58,9 +58,8 @@ private:
     void TakeRecords(const ZAXMatRecordTable::Records& records);
     /// The links, made if need be.
     Links& GetLinks();
-    /// The text of the file that holds the tables; null, with the reason logged, when nobody could read it.
-    std::optional<QByteArray> ToText() const;
-    bool WriteText(const QByteArray& text);
+    /// Overwrites \a file, which is open. False, with the reason logged, when that fails.
+    bool WriteInPlace(QFile& file, const QByteArray& text);
 
     /// Material key to the keys of its packagings: the link of a packaging to the material whose key it holds. Null
     /// until somebody asks for one, as long as it follows from the packagings and their order.

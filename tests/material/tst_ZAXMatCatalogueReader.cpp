@@ -1,5 +1,6 @@
 #include "ZAXMatCatalogueReader.h"
 
+#include <QBuffer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRandomGenerator>
@@ -7,6 +8,7 @@
 #include <QThread>
 
 #include <bit>
+#include <cstring>
 #include <memory>
 
 namespace {
@@ -74,6 +76,45 @@ QList<QList<QByteArray>> Describe(const ZAXMatCatalogueReader::Records& records)
     return descriptions;
 }
 
+/// The records of \a text, read in pieces of \a pieceSize bytes.
+std::optional<ZAXMatCatalogueReader::Records> Read(QByteArray text, qsizetype pieceSize = 1024)
+{
+    QBuffer buffer(&text);
+    buffer.open(QIODevice::ReadOnly);
+    return ZAXMatCatalogueReader(buffer, pieceSize).Read();
+}
+
+/// A device that gives a text up to some byte, and fails from there on.
+class Source : public QIODevice
+{
+public:
+    Source(const QByteArray& text, qsizetype size) : m_text(text.first(size)) { open(ReadOnly | Unbuffered); }
+
+    int requests = 0;
+    int failures = 0;
+    qint64 largestRequest = 0;
+
+protected:
+    qint64 readData(char* data, qint64 size) override
+    {
+        ++requests;
+        largestRequest = qMax(largestRequest, size);
+        const qint64 given = qMin(size, m_text.size() - m_at);
+        if (given == 0) {
+            ++failures;
+            return -1;
+        }
+        std::memcpy(data, m_text.constData() + m_at, std::size_t(given));
+        m_at += given;
+        return given;
+    }
+    qint64 writeData(const char* /*data*/, qint64 /*size*/) override { return -1; }
+
+private:
+    const QByteArray m_text;
+    qint64 m_at = 0;
+};
+
 /// The records as Qt reads them.
 ZAXMatCatalogueReader::Records ReadByQt(const QByteArray& text)
 {
@@ -114,6 +155,9 @@ private slots:
     void whatCataloguesHoldIsReadAsQtReadsIt();
     void theRestIsLeftToQt_data();
     void theRestIsLeftToQt();
+    void noMoreIsAskedForThanAPieceTakes();
+    void aRecordMayBeLargerThanAPiece();
+    void aDeviceThatFailsEndsThere();
     void equalTextsAreShared();
     void recordsOutliveTheOthersOfTheirFile();
     void recordsOfOneFileChangeByThemselves();
@@ -173,9 +217,12 @@ void tst_ZAXMatCatalogueReader::whatCataloguesHoldIsReadAsQtReadsIt()
 {
     QFETCH(const QByteArray, text);
     QVERIFY(IsWellFormed(text));
-    const auto records = ZAXMatCatalogueReader(text).Read();
-    QVERIFY(records);
-    QCOMPARE(Describe(*records), Describe(ReadByQt(text)));
+    // Whatever the pieces end in.
+    for (qsizetype pieceSize = 1; pieceSize <= text.size() + 1; ++pieceSize) {
+        const auto records = Read(text, pieceSize);
+        QVERIFY(records);
+        QCOMPARE(Describe(*records), Describe(ReadByQt(text)));
+    }
 }
 
 void tst_ZAXMatCatalogueReader::theRestIsLeftToQt_data()
@@ -257,26 +304,64 @@ void tst_ZAXMatCatalogueReader::theRestIsLeftToQt_data()
 void tst_ZAXMatCatalogueReader::theRestIsLeftToQt()
 {
     QFETCH(const QByteArray, text);
-    QVERIFY(!ZAXMatCatalogueReader(text).Read());
+    for (const qsizetype pieceSize : {1, 2, 3, 5, 1024})
+        QVERIFY(!Read(text, pieceSize));
+}
+
+void tst_ZAXMatCatalogueReader::noMoreIsAskedForThanAPieceTakes()
+{
+    const QByteArray text = TwoKinds(1000);
+    Source source(text, text.size());
+    const auto records = ZAXMatCatalogueReader(source, 1000).Read();
+    QVERIFY(records);
+    QCOMPARE(Describe(*records), Describe(ReadByQt(text)));
+    QVERIFY(source.requests > text.size() / 1000);
+    QCOMPARE(source.largestRequest, 1000);
+}
+
+void tst_ZAXMatCatalogueReader::aRecordMayBeLargerThanAPiece()
+{
+    const QByteArray text = CatalogueOf('"' + QByteArray(100000, 'x') + '"') + QByteArray(5000, ' ');
+    Source source(text, text.size());
+    const auto records = ZAXMatCatalogueReader(source, 100).Read();
+    QVERIFY(records);
+    QCOMPARE(records->at(0).GetValue("a").toString().size(), 100000);
+    // Twice as much every time.
+    QVERIFY(source.requests < 40);
+}
+
+void tst_ZAXMatCatalogueReader::aDeviceThatFailsEndsThere()
+{
+    const QByteArray text = TwoKinds(100);
+    Source broken(text, text.size() / 2);
+    QVERIFY(!ZAXMatCatalogueReader(broken, 100).Read());
+    QCOMPARE(broken.failures, 1);
+    Source brokenBehind(text, text.size());
+    QVERIFY(ZAXMatCatalogueReader(brokenBehind, 100).Read());
+    QCOMPARE(brokenBehind.failures, 1);
 }
 
 void tst_ZAXMatCatalogueReader::equalTextsAreShared()
 {
-    const QByteArray text = Json("{'a':{'name':'Sheet','properties':{'':{'form':'Roll'}}},"
-                                 "'b':{'name':'Sheet','properties':{'':{'form':'Roll'}}}}");
-    const auto records = ZAXMatCatalogueReader(text).Read();
-    QVERIFY(records);
-    const ZAXMatDefinition& one = records->front();
-    const ZAXMatDefinition& other = records->back();
-    QCOMPARE(one.GetName().constData(), other.GetName().constData());
-    QCOMPARE(one.GetValue("form").toString().constData(), other.GetValue("form").toString().constData());
+    const QByteArray text = Json("{'a':{'name':'Sheet','properties':{'':{'form':'Roll','note':'Stål\\n'}}},"
+                                 "'b':{'name':'Sheet','properties':{'':{'form':'Roll','note':'Stål\\n'}}}}");
+    // In whatever piece they stand.
+    for (const qsizetype pieceSize : {1, 60, 1024}) {
+        const auto records = Read(text, pieceSize);
+        QVERIFY(records);
+        const ZAXMatDefinition& one = records->front();
+        const ZAXMatDefinition& other = records->back();
+        QCOMPARE(one.GetName().constData(), other.GetName().constData());
+        QCOMPARE(one.GetValue("form").toString().constData(), other.GetValue("form").toString().constData());
+        QCOMPARE(one.GetValue("note").toString().constData(), other.GetValue("note").toString().constData());
+    }
 }
 
 void tst_ZAXMatCatalogueReader::recordsOutliveTheOthersOfTheirFile()
 {
     QList<ZAXMatDefinition> kept;
     {
-        const auto records = ZAXMatCatalogueReader(TwoKinds(3000)).Read();
+        const auto records = Read(TwoKinds(3000));
         QVERIFY(records);
         for (const int i : {0, 1, 15, 16, 40, 1000, 1001, 2999})
             kept.append(records->at(i));
@@ -295,7 +380,7 @@ void tst_ZAXMatCatalogueReader::recordsOutliveTheOthersOfTheirFile()
 
 void tst_ZAXMatCatalogueReader::recordsOfOneFileChangeByThemselves()
 {
-    auto records = ZAXMatCatalogueReader(TwoKinds(100)).Read();
+    auto records = Read(TwoKinds(100));
     QVERIFY(records);
     const ZAXMatDefinition before = records->at(50);
     (*records)[50].SetValue("thickness", QVariant(7.0));
@@ -325,7 +410,7 @@ void tst_ZAXMatCatalogueReader::damagedTextsAreReadAsQtReadsThemOrLeftToQt()
             const qsizetype taken = random.bounded(3);
             text.replace(at, taken, bytes.sliced(random.bounded(bytes.size()), random.bounded(2) * 1));
         }
-        const auto records = ZAXMatCatalogueReader(text).Read();
+        const auto records = Read(text, random.bounded(1, 400));
         if (!records)
             continue;
         ++read;
@@ -343,7 +428,7 @@ void tst_ZAXMatCatalogueReader::randomNumbersAreReadAsQtReadsThem()
         QByteArray number = QByteArray::number(random.generate64() % 1000000000000000).right(digits);
         number.insert(random.bounded(1, int(number.size()) + 1), '.');
         const QByteArray text = CatalogueOf(number.endsWith('.') ? number.chopped(1) : number);
-        const auto records = ZAXMatCatalogueReader(text).Read();
+        const auto records = Read(text);
         // A number with a leading zero is none.
         QCOMPARE(records.has_value(), IsWellFormed(text));
         QVERIFY2(!records || Describe(*records) == Describe(ReadByQt(text)), text.constData());

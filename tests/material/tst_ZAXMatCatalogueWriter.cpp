@@ -1,15 +1,18 @@
 #include "ZAXMatCatalogueWriter.h"
 
+#include <QIODevice>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRandomGenerator>
 #include <QTest>
 
 #include <bit>
+#include <climits>
 #include <limits>
 
 namespace {
 
+using Result = ZAXMatCatalogueWriter::Result;
 using Members = std::vector<ZAXMatCatalogueWriter::Member>;
 
 /// What QJsonDocument makes of \a members.
@@ -19,6 +22,37 @@ QByteArray WriteByQt(const Members& members)
     for (const auto& [name, record] : members)
         root.insert(QString::fromUtf8(name), record->ToJson());
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
+}
+
+/// A device that takes so many pieces.
+class Target : public QIODevice
+{
+public:
+    explicit Target(int pieceCount = INT_MAX) : m_pieceCount(pieceCount) { open(WriteOnly | Unbuffered); }
+
+    QList<QByteArray> pieces;
+    int refusals = 0;
+
+protected:
+    qint64 readData(char* /*data*/, qint64 /*size*/) override { return -1; }
+    qint64 writeData(const char* data, qint64 size) override
+    {
+        if (pieces.size() == m_pieceCount) {
+            ++refusals;
+            return size - 1;
+        }
+        pieces.append(QByteArray(data, size));
+        return size;
+    }
+
+private:
+    const int m_pieceCount;
+};
+
+QByteArray Write(const Members& members)
+{
+    Target target;
+    return ZAXMatCatalogueWriter(target).Write(members) == Result::Written ? target.pieces.join() : "none";
 }
 
 ZAXMatDefinition RecordWith(const QVariant& value)
@@ -38,6 +72,8 @@ private slots:
     void recordsAreWrittenAsQtWritesThem();
     void anEmptyCatalogueIsWrittenAsQtWritesIt();
     void theLastOfSeveralMembersOfANameCounts();
+    void aPieceEndsBehindTheRecordThatFillsIt();
+    void nothingIsWrittenBehindARefusal();
     void valuesAreWrittenAsQtWritesThem_data();
     void valuesAreWrittenAsQtWritesThem();
     void namesAndKeysAreWrittenAsQtWritesThem_data();
@@ -63,12 +99,12 @@ void tst_ZAXMatCatalogueWriter::recordsAreWrittenAsQtWritesThem()
     sheet.SetType(ZAXMatDefinition::Packaging);
     const ZAXMatDefinition nothing;
     const Members members{{"{b}", &steel}, {"{a}", &sheet}, {"", &nothing}, {"{aa}", &sheet}, {"Z", &steel}};
-    QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt(members));
+    QCOMPARE(Write(members), WriteByQt(members));
 }
 
 void tst_ZAXMatCatalogueWriter::anEmptyCatalogueIsWrittenAsQtWritesIt()
 {
-    QCOMPARE(ZAXMatCatalogueWriter().Write({}).value_or("none"), WriteByQt({}));
+    QCOMPARE(Write({}), WriteByQt({}));
 }
 
 void tst_ZAXMatCatalogueWriter::theLastOfSeveralMembersOfANameCounts()
@@ -76,8 +112,43 @@ void tst_ZAXMatCatalogueWriter::theLastOfSeveralMembersOfANameCounts()
     const ZAXMatDefinition one = RecordWith(1);
     const ZAXMatDefinition two = RecordWith(2);
     const Members members{{"a", &one}, {"b", &one}, {"a", &two}};
-    QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt(members));
-    QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt({{"a", &two}, {"b", &one}}));
+    QCOMPARE(Write(members), WriteByQt(members));
+    QCOMPARE(Write(members), WriteByQt({{"a", &two}, {"b", &one}}));
+}
+
+void tst_ZAXMatCatalogueWriter::aPieceEndsBehindTheRecordThatFillsIt()
+{
+    const ZAXMatDefinition record = RecordWith(1);
+    Members members;
+    for (int i = 0; i < 100; ++i)
+        members.emplace_back(QByteArray::number(1000 + i), &record);
+    const QByteArray text = WriteByQt(members);
+    const qsizetype recordSize = text.size() / 100;
+    for (const qsizetype pieceSize : {qsizetype(1), recordSize, 10 * recordSize, 200 * recordSize}) {
+        Target target;
+        QCOMPARE(ZAXMatCatalogueWriter(target, pieceSize).Write(members), Result::Written);
+        QCOMPARE(target.pieces.join(), text);
+        const QByteArray last = target.pieces.takeLast();
+        QVERIFY(last.endsWith("\n}\n"));
+        for (const QByteArray& piece : std::as_const(target.pieces)) {
+            QVERIFY(piece.endsWith('}'));
+            QVERIFY(piece.size() >= pieceSize && piece.size() < pieceSize + 2 * recordSize);
+        }
+    }
+}
+
+void tst_ZAXMatCatalogueWriter::nothingIsWrittenBehindARefusal()
+{
+    const ZAXMatDefinition record = RecordWith(1);
+    const Members members{{"a", &record}, {"b", &record}, {"c", &record}};
+    for (int pieceCount = 0; pieceCount < 4; ++pieceCount) {
+        Target target(pieceCount);
+        QCOMPARE(ZAXMatCatalogueWriter(target, 1).Write(members), Result::Refused);
+        QCOMPARE(target.pieces.size(), pieceCount);
+        QCOMPARE(target.refusals, 1);
+    }
+    // The three records and the end.
+    QCOMPARE(ZAXMatCatalogueWriter(*std::make_unique<Target>(4), 1).Write(members), Result::Written);
 }
 
 void tst_ZAXMatCatalogueWriter::valuesAreWrittenAsQtWritesThem_data()
@@ -131,7 +202,7 @@ void tst_ZAXMatCatalogueWriter::valuesAreWrittenAsQtWritesThem()
     ZAXMatDefinition record = RecordWith(value);
     record.SetName(value.toString());
     const Members members{{"a", &record}};
-    QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt(members));
+    QCOMPARE(Write(members), WriteByQt(members));
 }
 
 void tst_ZAXMatCatalogueWriter::namesAndKeysAreWrittenAsQtWritesThem_data()
@@ -152,7 +223,7 @@ void tst_ZAXMatCatalogueWriter::namesAndKeysAreWrittenAsQtWritesThem()
     record.SetKey(bytes + "\xc3\xa5");
     record.SetMaterialKey(bytes + "\xe5");
     const Members members{{bytes, &record}, {"a", &record}};
-    QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt(members));
+    QCOMPARE(Write(members), WriteByQt(members));
 }
 
 void tst_ZAXMatCatalogueWriter::randomNumbersAreWrittenAsQtWritesThem()
@@ -167,7 +238,7 @@ void tst_ZAXMatCatalogueWriter::randomNumbersAreWrittenAsQtWritesThem()
         if (i % 100 != 99)
             continue;
         const Members members{{"a", &record}};
-        QCOMPARE(ZAXMatCatalogueWriter().Write(members).value_or("none"), WriteByQt(members));
+        QCOMPARE(Write(members), WriteByQt(members));
     }
 }
 
@@ -195,7 +266,12 @@ void tst_ZAXMatCatalogueWriter::theRestIsLeftToQt()
     QFETCH(const QVariant, value);
     ZAXMatDefinition record;
     record.SetValue(property, value, extension);
-    QVERIFY(!ZAXMatCatalogueWriter().Write({{member, &record}}));
+    Target target;
+    QCOMPARE(ZAXMatCatalogueWriter(target).Write({{member, &record}}), Result::Unusual);
+    // What comes before may have been written by then.
+    const ZAXMatDefinition nothing;
+    QCOMPARE(ZAXMatCatalogueWriter(target, 1).Write({{"", &nothing}, {member + 'b', &record}}), Result::Unusual);
+    QCOMPARE(target.pieces.size(), 1);
 }
 
 QTEST_GUILESS_MAIN(tst_ZAXMatCatalogueWriter)

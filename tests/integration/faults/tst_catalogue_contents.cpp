@@ -53,6 +53,7 @@ private slots:
     void aValueIsReadAndWritten();
     void thereIsRoomForADeepValue();
     void aValueTooDeepToBeReadIsNotWritten();
+    void whatQtHasToReadAndWriteMayStandBehindTheRest();
     void ofWhatIsThereTwiceTheLastCounts_data();
     void ofWhatIsThereTwiceTheLastCounts();
     void aByteOrderMarkIsPassedOver();
@@ -150,6 +151,25 @@ void tst_catalogue_contents::aValueTooDeepToBeReadIsNotWritten()
     provider.Commit();
     QCOMPARE(folder.Read(), text);
     QVERIFY(provider.GetMaterial("k").IsDefined("own"));
+}
+
+void tst_catalogue_contents::whatQtHasToReadAndWriteMayStandBehindTheRest()
+{
+    // By then pieces of the file have been read or written without it.
+    constexpr int recordCount = 3000;
+    QByteArrayList members;
+    for (int i = 0; i < recordCount; ++i)
+        members.append(MaterialText(QByteArray::number(10000 + i), "{'':{'comment':'" + QByteArray(200, 'x') + "'}}"));
+    members.append(MaterialText("z", "{'':{'own':[1,{'a':1e2}]}}"));
+    const QByteArray text = CatalogueOf(members);
+    CatalogueFolder folder;
+    const QByteArray once = Rewritten(folder, text);
+    QCOMPARE(once, QJsonDocument::fromJson(once).toJson());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    QCOMPARE(provider.GetMaterialKeys().size(), recordCount + 1);
+    QCOMPARE(provider.GetMaterial("10000").GetValue("comment").toString().size(), 200);
+    QCOMPARE(QJsonValue::fromVariant(provider.GetMaterial("z").GetValue("own")),
+             QJsonValue(QJsonArray{1, QJsonObject{{QLatin1String("a"), 100}}}));
 }
 
 void tst_catalogue_contents::ofWhatIsThereTwiceTheLastCounts_data()

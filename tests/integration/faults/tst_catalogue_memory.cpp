@@ -3,6 +3,7 @@
 #include "ZAXMatJsonFileProvider.h"
 
 #include <QElapsedTimer>
+#include <QFileInfo>
 #include <QTest>
 
 #include <sys/resource.h>
@@ -87,6 +88,7 @@ private slots:
     void aHugeCatalogueIsRead();
     void aFileForWhichThereIsNoMemoryLeavesTheCatalogue();
     void aCatalogueForWhichThereIsNoMemoryIsNotWritten();
+    void noMemoryIsNeededForTheTextAsAWhole();
 };
 
 void tst_catalogue_memory::aHugeFileIsMalformed()
@@ -147,6 +149,28 @@ void tst_catalogue_memory::aCatalogueForWhichThereIsNoMemoryIsNotWritten()
     QCOMPARE(provider.GetMaterial("a"), material);
     provider.Commit();
     QVERIFY(folder.Read().size() > 50 * megabyte);
+}
+
+void tst_catalogue_memory::noMemoryIsNeededForTheTextAsAWhole()
+{
+    // One text in all records, which share it.
+    constexpr int recordCount = 100;
+    const QString comment(megabyte, u'x');
+    CatalogueFolder folder;
+    ZAXMatJsonFileProvider provider(folder.Path());
+    for (int i = 0; i < recordCount; ++i) {
+        ZAXMatDefinition material = provider.CreateMaterial(QString::number(i));
+        material.SetValue("comment", comment);
+        QVERIFY(provider.Update(material));
+    }
+    const LittleMemory memory(30 * megabyte);
+    provider.Commit();
+    QVERIFY(QFileInfo(folder.FilePath()).size() > recordCount * megabyte);
+    const ZAXMatJsonFileProvider other("other", QString(), folder.Path());
+    const QByteArrayList keys = other.GetMaterialKeys();
+    QCOMPARE(keys.size(), recordCount);
+    for (const QByteArray& key : keys)
+        QCOMPARE(other.GetMaterial(key).GetValue("comment").toString().size(), comment.size());
 }
 
 QTEST_GUILESS_MAIN(tst_catalogue_memory)

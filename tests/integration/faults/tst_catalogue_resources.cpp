@@ -38,6 +38,7 @@ private slots:
     void withoutFreeFileHandlesNothingIsWritten();
     void aDiskThatFailsLeavesTheFile_data();
     void aDiskThatFailsLeavesTheFile();
+    void aFileThatCannotBeBegunAgainLeavesTheOldOne();
     void aFileWrittenInPlaceThatCannotBeCutStays();
     void aFileThatCannotBeReadIsNotWrittenInPlace_data();
     void aFileThatCannotBeReadIsNotWrittenInPlace();
@@ -162,6 +163,27 @@ void tst_catalogue_resources::aDiskThatFailsLeavesTheFile()
     QCOMPARE(folder.Read(), before);
     QCOMPARE(folder.Entries(), QStringList{QLatin1String("materials.json")});
     QCOMPARE(provider.GetMaterialKeys().size(), 202);
+}
+
+void tst_catalogue_resources::aFileThatCannotBeBegunAgainLeavesTheOldOne()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    ZAXMatDefinition material = provider.GetMaterial("a");
+    // What Qt has to write is met when the file is begun.
+    material.SetValue("own", QVariantList{1});
+    QVERIFY(provider.Update(material));
+    ExpectWarning(QString::fromUtf8("^Cannot write .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Truncate, 0, EIO);
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), First());
+    QCOMPARE(folder.Entries(), QStringList{QLatin1String("materials.json")});
+    QCOMPARE(provider.GetMaterial("a"), material);
+    provider.Commit();
+    QVERIFY(folder.Read().contains("\"own\": ["));
 }
 
 void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
