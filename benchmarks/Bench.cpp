@@ -83,22 +83,25 @@ QList<double> Bench::Interleave(const QList<std::function<double()>>& values, in
     return medians;
 }
 
-void Bench::Add(const QString& name, Cost cost, const char* unit, double scale, double limit)
+void Bench::Add(const QString& name, Cost cost, const char* unit, double scale, std::optional<double> limit)
 {
     const double ratio = cost.value / cost.floor;
-    m_isWithinLimits &= ratio <= limit;
+    const bool isWithinLimit = !limit || ratio <= *limit;
+    m_isWithinLimits &= isWithinLimit;
     const QStringList fields{name,
                              Number(cost.value * scale),
                              QString::fromUtf8(unit),
                              Number(cost.floor * scale),
                              QString::number(ratio, 'f', 2),
-                             Number(limit)};
+                             limit ? Number(*limit) : QString()};
     std::printf("%-52s %9s %-6s %9s %7s %5s%s\n", qUtf8Printable(fields[0]), qUtf8Printable(fields[1]),
                 qUtf8Printable(fields[2]), qUtf8Printable(fields[3]), qUtf8Printable(fields[4]),
-                qUtf8Printable(fields[5]), ratio <= limit ? "" : "  above");
+                qUtf8Printable(fields[5]), isWithinLimit ? "" : "  above");
     std::fflush(stdout);
     Append(QStringList{QLatin1String("figure")} + fields +
-           QStringList{QLatin1String(ratio <= limit ? "met" : "**above**")});
+           QStringList{QLatin1String(!limit          ? ""
+                                     : isWithinLimit ? "met"
+                                                     : "**above**")});
 }
 
 void Bench::AddFailure(const QString& name)

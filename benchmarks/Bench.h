@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 /// What the benchmarks share: how a cost is measured against a floor, and how the figures are told.
 namespace bench {
@@ -50,8 +51,8 @@ public:
     /// \a values in turns; the median of each.
     QList<double> Interleave(const QList<std::function<double()>>& values, int rounds) const;
 
-    /// Prints a figure: both costs times \a scale in \a unit, their ratio and the \a limit to that.
-    void Add(const QString& name, Cost cost, const char* unit, double scale, double limit);
+    /// Prints a figure: both costs times \a scale in \a unit, their ratio and the \a limit to that, if there is one.
+    void Add(const QString& name, Cost cost, const char* unit, double scale, std::optional<double> limit);
     /// Tells that there is no figure, since what was to be measured does not work; counts as above its limit.
     void AddFailure(const QString& name);
     /// Keeps a point of a curve for the plot: \a value at \a size. \a what names the curve.

@@ -2,14 +2,12 @@
 
 #include "Bench.h"
 #include "Catalogue.h"
+#include "CatalogueFloor.h"
 
 #include "ZAXMatJsonFileProvider.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QJsonDocument>
-
-#include <unistd.h>
 
 using namespace bench;
 
@@ -25,16 +23,6 @@ void ReadAll(const ZAXMatJsonFileProvider& provider)
         for (const QByteArray& packaging : packagings)
             Keep(provider.GetPackaging(packaging).GetValue(property));
     }
-}
-
-void Write(const QString& path, const QJsonDocument& tree)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return;
-    file.write(tree.toJson(QJsonDocument::Indented));
-    file.flush();
-    ::fsync(file.handle());
 }
 
 } // namespace
