@@ -40,7 +40,7 @@ export UBSAN_OPTIONS=print_stacktrace=1
 declare -A inputs=([RecordJson]=60000 [CatalogueFile]=40000 [CatalogueOperations]=3000 [DocumentFile]=5000
     [RepairedDocumentFile]=10000 [ClassStream]=20000 [ValueText]=12000 [CsvImport]=20000)
 
-# fuzz TARGET: one target from its corpora. Its exit code is the target's.
+# fuzz TARGET: becomes one target that starts from its corpora.
 fuzz() {
     local name=$1
     local dictionary=fuzz/dictionaries/$name.dict
@@ -55,7 +55,7 @@ fuzz() {
         options+=(-seed=1 "-runs=${inputs[$name]}")
     fi
     mkdir -p "$corpus"
-    build/asan/bin/"fuzz_$name" "${options[@]}" "-artifact_prefix=$out/findings/$name-" \
+    exec build/asan/bin/"fuzz_$name" "${options[@]}" "-artifact_prefix=$out/findings/$name-" \
         "$corpus" "fuzz/corpus/$name" >"$out/log/$name.txt" 2>&1
 }
 
@@ -73,6 +73,9 @@ report() {
 }
 
 code=0
+jobs=()
+# Whoever ends the script ends the targets.
+trap '[ "${#jobs[@]}" -eq 0 ] || kill "${jobs[@]}" 2>/dev/null' EXIT
 while [ "${#targets[@]}" -gt 0 ]; do
     pair=("${targets[@]:0:2}")
     targets=("${targets[@]:2}")

@@ -38,6 +38,10 @@ for argument in "$@"; do
     esac
 done
 if [ "${#files[@]}" -eq 0 ]; then
+    if ! git rev-parse --verify --quiet "$commit^{commit}" >/dev/null; then
+        echo "There is no commit $commit here. Name another one, or the files: ./tidy.sh FILE..." >&2
+        exit 2
+    fi
     mapfile -t files < <({
         git diff --name-only --diff-filter=d "$commit" -- '*.cpp' '*.h'
         git ls-files --others --exclude-standard -- '*.cpp' '*.h'
@@ -60,10 +64,12 @@ for file in "${files[@]}"; do
         material/*.cpp | host/*.cpp | tools/*.cpp) sources+=("$file") ;;
         # Headers are checked with their source.
         material/*.h | host/*.h | tools/*.h) [ -f "${file%.h}.cpp" ] && sources+=("${file%.h}.cpp") ;;
+        # Those of the host's interface have none, but these include most of them.
+        hostapi/*.h) sources+=(host/feature/ZAXFeatObject.cpp material/ZAXMatMaterial.cpp material/ZAXMatPackaging.cpp) ;;
     esac
 done
 if [ "${#sources[@]}" -gt 0 ]; then
-    [ -f build/tidy/build.ninja ] || cmake --preset tidy >&2
+    zax_configure tidy
     mapfile -t sources < <(printf '%s\n' "${sources[@]}" | sort -u)
     printf '%s\0' "${sources[@]}" |
         xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 -p build/tidy --quiet --warnings-as-errors='*' 2>/dev/null || code=1

@@ -56,6 +56,6 @@ function(zax_register_test name)
         add_test(NAME ${name}.${suffix} COMMAND ${ARGN} WORKING_DIRECTORY "${home}")
         # A test may fork although threads run: the thread sanitizer goes on there.
         set_tests_properties(${name}.${suffix} PROPERTIES ENVIRONMENT
-            "LC_ALL=${code};LANG=${code};LANGUAGE=;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_CACHE_HOME=${home}/cache;QT_QPA_PLATFORM=offscreen;ZAXMAT_CATALOGUE=;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp:die_after_fork=0")
+            "LC_ALL=${code};LANG=${code};LANGUAGE=;HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_CACHE_HOME=${home}/cache;QT_QPA_PLATFORM=offscreen;ZAXMAT_CATALOGUE=;UBSAN_OPTIONS=print_stacktrace=1;ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1;TSAN_OPTIONS=suppressions='${PROJECT_SOURCE_DIR}/tests/tsan.supp':die_after_fork=0")
     endforeach()
 endfunction()

@@ -47,10 +47,15 @@ zax_need_locale() {
     fi
 }
 
+# zax_configure PRESET: makes the build folder, or makes it anew when the presets were changed since.
+zax_configure() {
+    [ "build/$1/build.ninja" -nt CMakePresets.json ] || cmake --fresh --preset "$1" >&2
+}
+
 # zax_build PRESET [TARGET...]: configures where need be, and builds.
 zax_build() {
     local preset=$1
     shift
-    [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >&2 || return
+    zax_configure "$preset" || return
     cmake --build --preset "$preset" ${1:+--target "$@"} >&2
 }

@@ -110,7 +110,7 @@ public:
     ZAXFeatObject* GetParent() const;
     /// The direct children, in order.
     QList<ZAXFeatObject*> GetChildren() const;
-    /// All features below this one, depth first, in child order.
+    /// All features below this one, depth first, in child order. One that is being destroyed need no longer be there.
     QList<ZAXFeatObject*> GetAllChildren() const;
     /// Those of GetAllChildren() that are of the class \a type or derived from it, in the same order. A feature at the
     /// top keeps both lists up to date, so that asking for them again costs little.
@@ -139,7 +139,7 @@ public:
 
     bool event(QEvent* event) override;
 
-signals:
+Q_SIGNALS:
     void ChildAdded(ZAXFeatObject* child);
     void ChildRemoved(ZAXFeatObject* child);
     void LabelChanged(const QString& label);

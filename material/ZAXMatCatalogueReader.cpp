@@ -5,6 +5,7 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <functional>
 #include <numeric>
@@ -21,11 +22,11 @@ enum CharacterClass : quint8
     Backslash, ///< begins an escape sequence
 };
 
-/// The classes of all bytes. Control characters, byte-order marks and what needs surrogates are left to Qt.
+/// The classes of all bytes. Control characters and what UTF-8 does not begin with are left to Qt.
 constexpr std::array<CharacterClass, 256> MakeClasses()
 {
     std::array<CharacterClass, 256> classes{};
-    for (std::size_t byte = 0x20; byte < 0xef; ++byte)
+    for (std::size_t byte = 0x20; byte < 0xf5; ++byte)
         classes[byte] = byte < 0x80 ? Plain : Beyond;
     classes['"'] = Other;
     classes['\\'] = Backslash;
@@ -33,6 +34,8 @@ constexpr std::array<CharacterClass, 256> MakeClasses()
 }
 
 constexpr std::array<CharacterClass, 256> classes = MakeClasses();
+
+constexpr QByteArrayView byteOrderMark("\xef\xbb\xbf");
 
 constexpr char escapes[] = "\"\\/bfnrt";
 constexpr char escaped[] = "\"\\/\b\f\n\r\t";
@@ -56,14 +59,8 @@ constexpr std::array powersOfTen{1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e
 } // namespace
 
 ZAXMatCatalogueReader::ZAXMatCatalogueReader(QIODevice& device, qsizetype pieceSize)
-    : m_device(device),
-      m_piece(std::make_unique_for_overwrite<char[]>(std::size_t(pieceSize) + 1)),
-      m_pieceSize(pieceSize),
-      m_part(m_piece.get()),
-      m_at(m_piece.get()),
-      m_end(m_piece.get())
+    : m_device(device), m_piece(pieceSize, '\0'), m_part(m_piece.constData()), m_at(m_part), m_end(m_part)
 {
-    m_piece[0] = '\0';
 }
 
 /// Reads a part of the text: once more, and from its start, whenever the piece ends in it.
@@ -84,22 +81,18 @@ bool ZAXMatCatalogueReader::ReadMore()
     if (m_isAtEnd)
         return false;
     const qsizetype kept = m_end - m_part;
-    if (kept > m_pieceSize / 2) {
-        m_pieceSize *= 2;
-        auto larger = std::make_unique_for_overwrite<char[]>(std::size_t(m_pieceSize) + 1);
-        std::memcpy(larger.get(), m_part, std::size_t(kept));
-        m_piece = std::move(larger);
-    } else {
-        std::memmove(m_piece.get(), m_part, std::size_t(kept));
-    }
+    std::memmove(m_piece.data(), m_part, std::size_t(kept));
+    if (kept > m_piece.size() / 2)
+        m_piece.resize(2 * m_piece.size());
     qsizetype size = kept;
-    while (size < m_pieceSize && !m_isAtEnd) {
-        const qint64 read = m_device.read(m_piece.get() + size, m_pieceSize - size);
+    while (size < m_piece.size() && !m_isAtEnd) {
+        const qint64 read = m_device.read(m_piece.data() + size, m_piece.size() - size);
         m_isAtEnd = read <= 0;
         size += qMax(read, 0);
     }
-    m_piece[std::size_t(size)] = '\0';
-    m_part = m_piece.get();
+    // There is room for it behind a QByteArray, too.
+    m_piece.data()[size] = '\0';
+    m_part = m_piece.constData();
     m_at = m_part;
     m_end = m_part + size;
     return size > kept;
@@ -211,7 +204,9 @@ bool ZAXMatCatalogueReader::ReadKnown(const Known*& known)
         }
     }
     known = &place;
-    return text.isAscii || !place.string.contains(QChar::ReplacementCharacter);
+    // What stands for bytes that are no UTF-8 and what Qt drops from the start of a text are for Qt to tell.
+    return text.isAscii ||
+           !(place.string.contains(QChar::ReplacementCharacter) || text.bytes.startsWith(byteOrderMark));
 }
 
 bool ZAXMatCatalogueReader::ReadString(QString& string)
@@ -234,10 +229,11 @@ bool ZAXMatCatalogueReader::ReadType(ZAXMatDefinition::Type& type)
     return value == static_cast<int>(type);
 }
 
-/// A number of up to 15 digits: they make a whole number, and that divided by a power of ten the nearest double, since
-/// both are exact.
+/// A number of up to 15 digits makes a whole number, and that divided by a power of ten the nearest double, since both
+/// are exact.
 bool ZAXMatCatalogueReader::ReadNumber(ZAXMatValue& number)
 {
+    const char* const start = m_at;
     const bool isNegative = *m_at == '-';
     m_at += isNegative ? 1 : 0;
     const char* const begin = m_at;
@@ -256,11 +252,13 @@ bool ZAXMatCatalogueReader::ReadNumber(ZAXMatValue& number)
     if (*m_at == '.') {
         ++m_at;
         fraction = takeDigits();
-        if (fraction == 0)
+        if (fraction == 0 && !IsDigit(*m_at))
             return false;
     }
-    if (whole + fraction > 15 || IsDigit(*m_at) || *m_at == 'e' || *m_at == 'E' || *m_at == '.')
-        return false;
+    if (whole + fraction > 15 || IsDigit(*m_at) || *m_at == 'e' || *m_at == 'E') {
+        m_at = start;
+        return ReadLongNumber(number);
+    }
     const double value = static_cast<double>(digits) / powersOfTen[std::size_t(fraction)];
     // Qt makes an integer of a number such as 2.0.
     if (static_cast<double>(wholePart) == value)
@@ -268,6 +266,46 @@ bool ZAXMatCatalogueReader::ReadNumber(ZAXMatValue& number)
     else
         number = ZAXMatValue(isNegative ? -value : value);
     return true;
+}
+
+/// Any other number that begins as one: with digits, of which the first one is no zero if there are more, and at least
+/// one behind the decimal point.
+bool ZAXMatCatalogueReader::ReadLongNumber(ZAXMatValue& number)
+{
+    const char* const begin = m_at;
+    const auto takeDigits = [this] {
+        while (IsDigit(*m_at))
+            ++m_at;
+    };
+    m_at += *m_at == '-' ? 1 : 0;
+    takeDigits();
+    bool isWhole = *m_at != '.';
+    m_at += isWhole ? 0 : 1;
+    takeDigits();
+    if (*m_at == 'e' || *m_at == 'E') {
+        isWhole = false;
+        ++m_at;
+        m_at += *m_at == '+' || *m_at == '-' ? 1 : 0;
+        if (!IsDigit(*m_at))
+            return false;
+        takeDigits();
+    }
+    const QByteArray text = QByteArray::fromRawData(begin, m_at - begin);
+    bool isInteger = false;
+    const qlonglong integer = isWhole ? text.toLongLong(&isInteger) : 0;
+    if (isInteger) {
+        number = ZAXMatValue(integer);
+        return true;
+    }
+    bool isNumber = false;
+    const double value = text.toDouble(&isNumber);
+    // From there on whole numbers are none of 64 bits.
+    constexpr double tooLarge = 0x1p63;
+    if (isNumber && value == std::trunc(value) && value >= -tooLarge && value < tooLarge)
+        number = ZAXMatValue(static_cast<qlonglong>(value));
+    else
+        number = ZAXMatValue(value);
+    return isNumber;
 }
 
 bool ZAXMatCatalogueReader::ReadValue(ZAXMatValue& value)

@@ -6,10 +6,10 @@
 #include "ZAXMatDefinition.h"
 #include "ZAXMatValues.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <array>
-#include <memory>
 #include <optional>
 
 class QIODevice;
@@ -28,8 +28,8 @@ public:
 
     /// The records as ZAXMatDefinition::FromJson() reads them from the members of the root object, in the order of
     /// the members' names. Null for a text with a member that no record has, an array, two members of the same name in
-    /// one object, a key or name of a property beyond ASCII, a number with an exponent or more than 15 digits, or what
-    /// is unusual otherwise. A device that fails ends there; it has to be asked.
+    /// one object, a key or name of a property beyond ASCII, or what is unusual otherwise. A device that fails ends
+    /// there; it has to be asked.
     std::optional<Records> Read();
 
 private:
@@ -46,6 +46,13 @@ private:
         bool IsPlain() const { return isAscii && !hasEscapes; }
     };
 
+    /// A text that was met, as it is and as a value.
+    struct Known
+    {
+        QString string;
+        ZAXMatValue value;
+    };
+
     template <typename ReadPart>
     bool ReadWhole(ReadPart readPart);
     bool ReadMore();
@@ -58,30 +65,22 @@ private:
     bool ReadName(Text& name);
     bool ReadSeparator(bool& isLast);
     bool ReadKey(QByteArray& key);
-    struct Known;
     bool ReadKnown(const Known*& known);
     bool ReadString(QString& string);
     bool ReadType(ZAXMatDefinition::Type& type);
     bool ReadNumber(ZAXMatValue& number);
+    bool ReadLongNumber(ZAXMatValue& number);
     bool ReadValue(ZAXMatValue& value);
     bool ReadValues(ZAXMatValues& values);
     bool ReadRecord(ZAXMatDefinition& record);
 
-    /// A text that was met, as it is and as a value.
-    struct Known
-    {
-        QString string;
-        ZAXMatValue value;
-    };
-
     QIODevice& m_device;
     bool m_isAtEnd = false;
-    /// The text from the part on that is being read, as far as it is known, and a zero byte, which nothing takes: no
-    /// other check for the end is needed.
-    std::unique_ptr<char[]> m_piece;
-    qsizetype m_pieceSize;
+    /// Holds the text from the part on that is being read, as far as it is known.
+    QByteArray m_piece;
     const char* m_part;
     const char* m_at;
+    /// A zero byte stands there, which nothing takes: no other check for the end is needed.
     const char* m_end;
     ZAXMatValuesBuilder m_values;
     /// The same few texts stand in many records, which share them.

@@ -313,11 +313,15 @@ void ZAXMatJsonFileProviderPrivate::LoadIfChanged()
 QString ZAXMatJsonFileProviderPrivate::TakeText(QFile& file)
 {
     try {
-        std::optional<ZAXMatCatalogueReader::Records> records = ZAXMatCatalogueReader(file).Read();
+        std::optional<ZAXMatCatalogueReader::Records> records;
+        // What stands in for a file, such as a device, may not be read twice.
+        const bool isRereadable = !file.isSequential();
+        if (isRereadable)
+            records = ZAXMatCatalogueReader(file).Read();
         if (file.error() != QFileDevice::NoError)
             return file.errorString();
         if (!records) {
-            const std::optional<QByteArray> text = file.seek(0) ? ReadAll(file) : std::nullopt;
+            const std::optional<QByteArray> text = !isRereadable || file.seek(0) ? ReadAll(file) : std::nullopt;
             if (!text)
                 return file.errorString();
             records = ParseRecords(filePath, *text);

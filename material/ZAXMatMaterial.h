@@ -179,7 +179,7 @@ public:
     /// catalogue from it if it has a remote key.
     void PostDuplicate(const ZAXFeatObject* source, const ZAXFeatObject* duplicated) override;
 
-signals:
+Q_SIGNALS:
     void MaterialIdChanged(const QString& id);
     void MaterialIdCustomizedChanged(bool customized);
     void MaterialTypeChanged(const QString& type);

@@ -52,7 +52,7 @@ public:
     /// whatever the label of this feature. Never empty.
     virtual QString GetExtensionLabel() const = 0;
 
-signals:
+Q_SIGNALS:
     void ExtensionEnabledChanged(bool state);
 
 protected:

@@ -142,7 +142,7 @@ public:
     /// Takes the link to the catalogue from the copy.
     void PostDuplicate(const ZAXFeatObject* source, const ZAXFeatObject* duplicated) override;
 
-signals:
+Q_SIGNALS:
     void LengthChanged(double length);
     void WidthChanged(double width);
     void FormChanged(Form form);

@@ -59,7 +59,7 @@ public:
     /// Admits materials.
     bool IsChildAllowed(const QMetaObject* childType) const override;
 
-signals:
+Q_SIGNALS:
     /// A material became a direct child.
     void MaterialAdded(ZAXMatMaterial* material);
     /// A material is no longer a direct child.

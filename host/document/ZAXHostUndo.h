@@ -17,11 +17,11 @@ class ZAXHostUndoPrivate;
 /// stack, and so is all that happens within a ZAXHostTransaction. A step that changes nothing in the end is dropped.
 ///
 /// The state of a feature is what it saves: a value that is not saved is not taken back, and its change alone is no
-/// step. Steps hold ids and bytes; of a feature that changed in nothing but values of properties, those values. A
-/// feature that cannot be saved does not change in any other way: what it throws passes through. A removed feature
-/// waits aside, at its address and with its subtree, as long as a step can bring it back. Restoring a state goes
-/// through ZAXGeoGeometry::SetCurrentState(), with signals; it records nothing and leaves the last-saved values alone,
-/// and what slots change meanwhile is taken back.
+/// step, unless its class saves it at other times. Steps hold ids and bytes; of a feature that changed in nothing but
+/// values of properties, those values. A feature that cannot be saved does not change in any other way: what it throws
+/// passes through. A removed feature waits aside, at its address and with its subtree, as long as a step can bring it
+/// back. Restoring a state goes through ZAXGeoGeometry::SetCurrentState(), with signals; it records nothing and leaves
+/// the last-saved values alone, and what slots change meanwhile is taken back.
 class ZAXHOST_EXPORT ZAXHostUndo
 {
 public:

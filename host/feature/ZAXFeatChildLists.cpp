@@ -7,6 +7,7 @@
 
 namespace {
 
+// Beyond these, collecting a list anew costs less than following.
 constexpr int followedChanges = 16;
 constexpr qsizetype followedFeatures = 64;
 
@@ -92,6 +93,8 @@ void ZAXFeatChildLists::Update(List& list, const ZAXFeatObject* top)
         auto subtree = ZAXFeatObjectPrivate::Get(*feature).Subtree();
         TakeOut(list.features, subtree, list.type);
         KeepOnly(subtree, list.type);
+        if (subtree.isEmpty())
+            continue;
         const qsizetype place = LastListedBefore(feature, top, list.type, list.features) + 1;
         list.features.insert(place, subtree.size(), nullptr);
         std::ranges::copy(std::as_const(subtree), list.features.begin() + place);

@@ -92,6 +92,8 @@ ZAXFeatObject::~ZAXFeatObject()
         ZAXFeatPropertyBasePrivate::ForgetPointed(*property);
     while (!d_ptr->children.isEmpty())
         delete d_ptr->children.constLast();
+    // Somebody who watched them go may have asked for lists.
+    d_ptr->ForgetLists();
     d_ptr->Detach();
     if (d_ptr->isAside && d_ptr->container)
         ZAXGeoContainerPrivate::Get(*d_ptr->container).aside.remove(GetId());

@@ -290,6 +290,10 @@ void tst_ZAXMatRecordTable::tablesAreSwapped()
     a.Swap(b);
     QCOMPARE(Names(a, {"a", "b", "c"}), QByteArray("- - c"));
     QCOMPARE(Names(b, {"a", "b", "c"}), QByteArray("a b -"));
+    // Their order goes along: "b" is behind the last one, and there.
+    b.Insert("b", Record("b", QLatin1String("new")));
+    QCOMPARE(b.GetKeys(), (QList<QByteArray>{"b", "a"}));
+    QCOMPARE(Names(b, {"a", "b"}), QByteArray("a new"));
 }
 
 void tst_ZAXMatRecordTable::anySequenceOfChangesGivesWhatAMapGives()

@@ -52,6 +52,10 @@ void tst_ZaxmatCsv::readsCells_data()
                                      << two;
     QTest::newRow("blank lines") << QByteArray("\n\na,b\r\n\r\n1,2\n\n") << two;
     QTest::newRow("lines of spaces") << QByteArray("  \na,b\n   \r\n1,2\n  ") << two;
+    QTest::newRow("lines of tabs") << QByteArray("\t\na,b\n \t \r\n1,2\n\t") << two;
+    QTest::newRow("a line of tabs behind the separator") << QByteArray("sep=;\n\t\na;b\n1;2\n") << two;
+    QTest::newRow("lines of tabs that separate") << QByteArray("\t\t\na\tb\n\t\n1\t2\n") << two;
+    QTest::newRow("a line of what is no blank") << QByteArray("\v\n") << QList<QStringList>{{"\v"}};
     QTest::newRow("a line of spaces in quotation marks")
         << QByteArray("\" \"\n1\n") << QList<QStringList>{{" "}, {"1"}};
     QTest::newRow("quotation marks") << QByteArray("\"a\",\"b\"\n\"1\",2\n") << two;

@@ -68,7 +68,8 @@ char SeparatorOf(QByteArrayView titles)
 
 bool IsBlank(QByteArrayView line)
 {
-    return line.trimmed().isEmpty();
+    constexpr QByteArrayView blanks = " \t\r\n";
+    return std::ranges::all_of(line, [&](char c) { return blanks.contains(c); });
 }
 
 /// The separator that a line "sep=;" tells.
@@ -104,8 +105,7 @@ public:
     void Parse(QByteArrayView line)
     {
         ++m_line;
-        // A blank line begins no row, nor does one of spaces.
-        if (!m_isInRow && std::ranges::all_of(line, [](char c) { return c == ' ' || c == '\r' || c == '\n'; }))
+        if (!m_isInRow && IsBlank(line))
             return;
         if (!m_isInRow)
             m_row = {m_line, {}};

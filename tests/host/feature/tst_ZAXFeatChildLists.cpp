@@ -1,4 +1,5 @@
 #include "ZAXFeatContainer.h"
+#include "ZAXFeatContainerPrivate.h"
 #include "ZAXFeatFolder.h"
 #include "ZAXFeatObject.h"
 #include "ZAXFeatObjectPrivate.h"
@@ -155,6 +156,7 @@ private slots:
     void listIsOfTheTimeOfAsking();
     void featureBelowTheTopListsToo();
     void manyChangesAreFollowed();
+    void listsOfAFeatureThatIsBeingDestroyedGoWithIt();
 };
 
 void tst_ZAXFeatChildLists::initTestCase()
@@ -227,6 +229,19 @@ void tst_ZAXFeatChildLists::manyChangesAreFollowed()
     // With more below it than is worth to be followed.
     folder->Remove();
     QCOMPARE(root->GetAllChildrenOfType(&Box::staticMetaObject), Features());
+}
+
+void tst_ZAXFeatChildLists::listsOfAFeatureThatIsBeingDestroyedGoWithIt()
+{
+    ZAXFeatContainer container;
+    auto* const root = new ZAXFeatFolder(&container);
+    ZAXFeatObject* const box = container.CreateInstance("Box", root);
+    Features seen{box};
+    connect(box, &QObject::destroyed, this, [&] { seen = root->GetAllChildrenOfType(&Box::staticMetaObject); });
+    delete root;
+    QCOMPARE(seen, Features());
+    // Nobody climbs the tree for the sake of lists any more.
+    QCOMPARE(ZAXFeatContainerPrivate::Get(container).listing, 0);
 }
 
 QTEST_GUILESS_MAIN(tst_ZAXFeatChildLists)

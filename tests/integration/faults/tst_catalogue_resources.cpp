@@ -31,7 +31,9 @@ class tst_catalogue_resources : public QObject
 private slots:
     void aFileThatIsOpenedButNotReadLeavesTheCatalogue_data();
     void aFileThatIsOpenedButNotReadLeavesTheCatalogue();
+    void aFileThatCannotBeReadAgainLeavesTheCatalogue();
     void aFileOfTheSystemThatCannotBeReadLeavesTheCatalogue();
+    void aDeviceWithoutTextIsMalformed();
     void withoutFreeFileHandlesTheCatalogueStays_data();
     void withoutFreeFileHandlesTheCatalogueStays();
     void withoutFreeFileHandlesNothingIsWritten_data();
@@ -39,6 +41,7 @@ private slots:
     void aDiskThatFailsLeavesTheFile_data();
     void aDiskThatFailsLeavesTheFile();
     void aFileThatCannotBeBegunAgainLeavesTheOldOne();
+    void whatQtHasToWriteIsWrittenInPlaceToo();
     void aFileWrittenInPlaceThatCannotBeCutStays();
     void aFileThatCannotBeReadIsNotWrittenInPlace_data();
     void aFileThatCannotBeReadIsNotWrittenInPlace();
@@ -68,6 +71,37 @@ void tst_catalogue_resources::aFileThatIsOpenedButNotReadLeavesTheCatalogue()
         QCOMPARE(ContentOf(provider), before);
     }
     QCOMPARE(provider.GetMaterialKeys().size(), 2);
+}
+
+void tst_catalogue_resources::aFileThatCannotBeReadAgainLeavesTheCatalogue()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    const QStringList before = ContentOf(provider);
+    // What Qt has to read is read once more, from its start.
+    folder.Write(CatalogueOf({MaterialText("b")}));
+    const int readOnce = [&folder] {
+        const SystemCalls::Interruption counter(SystemCalls::Read, 1000, [] {});
+        const ZAXMatJsonFileProvider other("other", QString(), folder.Path());
+        return counter.Count();
+    }();
+    folder.Write(CatalogueOf({MaterialText("b", "{'':{'own':[1]}}")}));
+    ExpectWarning(QString::fromUtf8("^Cannot read .*/zax ø .*/materials\\.json: ") + SystemError(EIO) + u'$');
+    {
+        const SystemCalls::Failure failure(SystemCalls::Read, readOnce, EIO);
+        QCOMPARE(ContentOf(provider), before);
+    }
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList{"b"});
+}
+
+void tst_catalogue_resources::aDeviceWithoutTextIsMalformed()
+{
+    CatalogueFolder folder;
+    QVERIFY(QFile::link(QLatin1String("/dev/null"), folder.FilePath()));
+    ExpectWarning(QString::fromUtf8("^Malformed .*/zax ø .*/materials\\.json: "));
+    const ZAXMatJsonFileProvider provider(folder.Path());
+    QCOMPARE(provider.GetMaterialKeys(), QByteArrayList());
 }
 
 void tst_catalogue_resources::aFileOfTheSystemThatCannotBeReadLeavesTheCatalogue()
@@ -184,6 +218,37 @@ void tst_catalogue_resources::aFileThatCannotBeBegunAgainLeavesTheOldOne()
     QCOMPARE(provider.GetMaterial("a"), material);
     provider.Commit();
     QVERIFY(folder.Read().contains("\"own\": ["));
+}
+
+void tst_catalogue_resources::whatQtHasToWriteIsWrittenInPlaceToo()
+{
+    CatalogueFolder folder;
+    folder.Write(First());
+    ZAXMatJsonFileProvider provider(folder.Path());
+    ZAXMatDefinition material = provider.GetMaterial("a");
+    material.SetValue("own", QVariantList{1});
+    QVERIFY(provider.Update(material));
+    CatalogueFolder::SetMode(folder.FilePath(), 0666);
+    CatalogueFolder::SetMode(folder.Path(), 0555);
+    {
+        const OrdinaryUser user;
+        provider.Commit();
+    }
+    const QByteArray written = folder.Read();
+    QVERIFY(written.contains("\"own\": ["));
+
+    QVariant deep;
+    for (int level = 0; level < 1025; ++level)
+        deep = QVariantList{deep};
+    material = provider.GetMaterial("a");
+    material.SetValue("own", deep);
+    QVERIFY(provider.Update(material));
+    ExpectWarning(QLatin1String("^Cannot write .*/materials\\.json: too deeply nested document$"));
+    {
+        const OrdinaryUser user;
+        provider.Commit();
+    }
+    QCOMPARE(folder.Read(), written);
 }
 
 void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
