@@ -23,6 +23,12 @@ done
 all=(RecordValues GetMaterial FindMaterials OpenCatalogue CatalogueMemory CommitCatalogue SetProperty FindInRoot
     DocumentFile Tool Growth)
 [ "${#names[@]}" -gt 0 ] || names=("${all[@]}")
+for name in "${names[@]}"; do
+    if ! printf '%s\n' "${all[@]}" | grep -qx "$name"; then
+        echo "There is no benchmark $name, but these: ${all[*]}" >&2
+        exit 2
+    fi
+done
 
 # shellcheck disable=SC2086
 zax_install $zax_packages $zax_benchmark_packages

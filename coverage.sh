@@ -7,6 +7,11 @@ set -euo pipefail
 cd "$(dirname "$0")"
 . cmake/setup.sh
 
+if [ $# -gt 0 ]; then
+    sed -n '3,5s/^# //p' "$0" >&2
+    exit 2
+fi
+
 # shellcheck disable=SC2086
 zax_install $zax_packages $zax_test_packages $zax_coverage_packages
 zax_need_locale

@@ -26,6 +26,12 @@ for argument in "$@"; do
 done
 all=(RecordJson CatalogueFile CatalogueOperations DocumentFile RepairedDocumentFile ClassStream ValueText CsvImport)
 [ "${#targets[@]}" -gt 0 ] || targets=("${all[@]}")
+for target in "${targets[@]}"; do
+    if ! printf '%s\n' "${all[@]}" | grep -qx "$target"; then
+        echo "There is no target $target, but these: ${all[*]}" >&2
+        exit 2
+    fi
+done
 
 # shellcheck disable=SC2086
 zax_install $zax_packages $zax_asan_packages

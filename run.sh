@@ -5,6 +5,13 @@ set -euo pipefail
 cd "$(dirname "$0")"
 . cmake/setup.sh
 
+case ${1-} in
+    -*)
+        sed -n '3s/^# //p' "$0" >&2
+        exit 2
+        ;;
+esac
+
 # shellcheck disable=SC2086
 zax_install $zax_packages
 zax_build release zaxmat

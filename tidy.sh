@@ -38,6 +38,7 @@ for argument in "$@"; do
     esac
 done
 if [ "${#files[@]}" -eq 0 ]; then
+    command -v git >/dev/null || { echo "git is missing. As root: apt-get install git" >&2 && exit 2; }
     if ! git rev-parse --verify --quiet "$commit^{commit}" >/dev/null; then
         echo "There is no commit $commit here. Name another one, or the files: ./tidy.sh FILE..." >&2
         exit 2

@@ -47,12 +47,12 @@ zax_need_locale() {
     fi
 }
 
-# zax_configure PRESET: makes the build folder, or makes it anew when the presets were changed since.
+# zax_configure PRESET: makes the build folder, or looks for what has come since: presets that changed, packages.
 zax_configure() {
-    [ "build/$1/build.ninja" -nt CMakePresets.json ] || cmake --fresh --preset "$1" >&2
+    cmake --preset "$1" --log-level=NOTICE >&2
 }
 
-# zax_build PRESET [TARGET...]: configures where need be, and builds.
+# zax_build PRESET [TARGET...]: configures and builds.
 zax_build() {
     local preset=$1
     shift

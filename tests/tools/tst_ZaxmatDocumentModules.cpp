@@ -31,8 +31,10 @@ public:
 
     Run Document(const QString& command, const QStringList& arguments) const
     {
-        return ZaxmatThrough("exec env LD_PRELOAD=\"$MODULE\" \"$@\"",
-                             QStringList{"document", command, "job ø 1.zaxdoc"} + arguments);
+        // By its name alone, since the folder's may hold spaces.
+        return ZaxmatThrough(
+            "exec env LD_LIBRARY_PATH=\"$(dirname \"$MODULE\")\" LD_PRELOAD=\"$(basename \"$MODULE\")\" \"$@\"",
+            QStringList{"document", command, "job ø 1.zaxdoc"} + arguments);
     }
     QJsonObject Properties(const QString& object) const
     {
