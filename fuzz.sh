@@ -81,7 +81,7 @@ report() {
 code=0
 jobs=()
 # Whoever ends the script ends the targets.
-trap '[ "${#jobs[@]}" -eq 0 ] || kill "${jobs[@]}" 2>/dev/null' EXIT
+trap '[ "${#jobs[@]}" -eq 0 ] || kill "${jobs[@]}" 2>/dev/null || true' EXIT
 while [ "${#targets[@]}" -gt 0 ]; do
     pair=("${targets[@]:0:2}")
     targets=("${targets[@]:2}")

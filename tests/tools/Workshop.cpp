@@ -32,6 +32,13 @@ Workshop::Workshop() : m_folder(QDir::tempPath() + "/zax ø XXXXXX")
     environment.insert("ZAXMAT_CATALOGUE", CatalogueFolder());
 }
 
+Workshop::~Workshop()
+{
+    // What a test took away, so that all of it can be removed.
+    for (const QString& folder : {m_folder.path(), CatalogueFolder()})
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
 QString Workshop::Path(const QString& name) const
 {
     return m_folder.filePath(name);

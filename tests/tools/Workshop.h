@@ -25,6 +25,8 @@ class Workshop
 {
 public:
     Workshop();
+    ~Workshop();
+    Q_DISABLE_COPY_MOVE(Workshop)
 
     /// The path of \a name in the folder.
     QString Path(const QString& name) const;
