@@ -43,7 +43,7 @@ export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:allocator_may_return_n
 export UBSAN_OPTIONS=print_stacktrace=1
 
 # How many inputs each target gets with --smoke: what a machine of two cores manages in half a minute.
-declare -A inputs=([RecordJson]=60000 [CatalogueFile]=40000 [CatalogueOperations]=3000 [DocumentFile]=5000
+declare -A inputs=([RecordJson]=60000 [CatalogueFile]=40000 [CatalogueOperations]=1500 [DocumentFile]=5000
     [RepairedDocumentFile]=10000 [ClassStream]=20000 [ValueText]=12000 [CsvImport]=20000)
 
 # fuzz TARGET: becomes one target that starts from its corpora.

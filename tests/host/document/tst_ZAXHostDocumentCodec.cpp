@@ -64,12 +64,16 @@ QString DamagedAt(qsizetype position, const char* what)
     return QStringLiteral("The document is damaged at byte %1: %2.").arg(position).arg(QLatin1String(what));
 }
 
-/// A file with \a depth objects, each below the one before.
-QByteArray NestedFile(int depth)
+/// A file with \a depth objects, each below the one before, with ids that go up or down.
+QByteArray NestedFile(int depth, bool isAscending)
 {
     File file;
-    for (quint64 id = 1; id <= static_cast<quint64>(depth); ++id)
-        file.Add({.id = id, .parent = id - 1});
+    quint64 parent = 0;
+    for (int i = 0; i < depth; ++i) {
+        const auto id = static_cast<quint64>(isAscending ? 1 + i : depth - i);
+        file.Add({.id = id, .parent = parent});
+        parent = id;
+    }
     return file.End().Bytes();
 }
 
@@ -95,7 +99,7 @@ private slots:
     void refuses_data();
     void refuses();
     void nestingEndsAtItsLimit();
-    void moreThanWasExpectedDoesNotReadBack();
+    void whatIsDamagedOrMoreThanWasExpectedDoesNotReadBack();
 };
 
 void tst_ZAXHostDocumentCodec::imageIsReadBack_data()
@@ -352,17 +356,25 @@ void tst_ZAXHostDocumentCodec::refuses()
 void tst_ZAXHostDocumentCodec::nestingEndsAtItsLimit()
 {
     QCOMPARE(ZAXHostDocumentCodec::maximumNesting, 256);
-    QCOMPARE(Complaint(NestedFile(256)), QString());
-    QCOMPARE(Complaint(NestedFile(257)), DamagedAt(headerSize + 256 * 44, "the objects are nested too deeply"));
+    for (const bool isAscending : {true, false}) {
+        QCOMPARE(Complaint(NestedFile(256, isAscending)), QString());
+        QCOMPARE(Complaint(NestedFile(257, isAscending)),
+                 DamagedAt(headerSize + 256 * 44, "the objects are nested too deeply"));
+    }
 }
 
-void tst_ZAXHostDocumentCodec::moreThanWasExpectedDoesNotReadBack()
+void tst_ZAXHostDocumentCodec::whatIsDamagedOrMoreThanWasExpectedDoesNotReadBack()
 {
     const QByteArray bytes =
         File().Add({.id = 5}).Add({.id = 7, .parent = 5}).Add({.id = 2, .parent = 5, .place = 1}).End().Bytes();
     ZAXHostDocumentImage image;
     QVERIFY(ZAXHostDocumentCodec::Decode(bytes, image));
     QVERIFY(ZAXHostDocumentCodec::Check(bytes, image));
+    QByteArray damaged = bytes;
+    damaged.back() = static_cast<char>(damaged.back() ^ 1);
+    ZAXHostDocumentImage found;
+    QVERIFY(ZAXHostDocumentCodec::Decode(damaged, found));
+    QCOMPARE(ZAXHostDocumentCodec::Check(damaged, image).GetMessage(), found.damages.constFirst().GetMessage());
     image.records = {};
     QCOMPARE(ZAXHostDocumentCodec::Check(bytes, image).GetMessage(), QStringLiteral("its bytes do not read back."));
 }
