@@ -24,10 +24,7 @@ all=(RecordValues GetMaterial FindMaterials OpenCatalogue CatalogueMemory Commit
     DocumentFile Tool Growth)
 [ "${#names[@]}" -gt 0 ] || names=("${all[@]}")
 for name in "${names[@]}"; do
-    if ! printf '%s\n' "${all[@]}" | grep -qx "$name"; then
-        echo "There is no benchmark $name, but these: ${all[*]}" >&2
-        exit 2
-    fi
+    zax_require_known "$name" "${all[@]}"
 done
 
 # shellcheck disable=SC2086

@@ -27,10 +27,7 @@ done
 all=(RecordJson CatalogueFile CatalogueOperations DocumentFile RepairedDocumentFile ClassStream ValueText CsvImport)
 [ "${#targets[@]}" -gt 0 ] || targets=("${all[@]}")
 for target in "${targets[@]}"; do
-    if ! printf '%s\n' "${all[@]}" | grep -qx "$target"; then
-        echo "There is no target $target, but these: ${all[*]}" >&2
-        exit 2
-    fi
+    zax_require_known "$target" "${all[@]}"
 done
 
 # shellcheck disable=SC2086
@@ -85,7 +82,6 @@ trap '[ "${#jobs[@]}" -eq 0 ] || kill "${jobs[@]}" 2>/dev/null || true' EXIT
 while [ "${#targets[@]}" -gt 0 ]; do
     pair=("${targets[@]:0:2}")
     targets=("${targets[@]:2}")
-    jobs=()
     for name in "${pair[@]}"; do
         fuzz "$name" &
         jobs+=($!)
@@ -96,5 +92,6 @@ while [ "${#targets[@]}" -gt 0 ]; do
         report "${pair[$i]}" "$result"
         [ "$result" -eq 0 ] || code=1
     done
+    jobs=()
 done
 exit "$code"

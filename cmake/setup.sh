@@ -47,6 +47,15 @@ zax_need_locale() {
     fi
 }
 
+# zax_require_known NAME KNOWN...: ends the script when NAME is none of the known ones.
+zax_require_known() {
+    local name=$1
+    shift
+    printf '%s\n' "$@" | grep -qxF -e "$name" && return 0
+    echo "There is no $name, but these: $*" >&2
+    exit 2
+}
+
 # zax_configure PRESET: makes the build folder, or looks for what has come since: presets that changed, packages.
 zax_configure() {
     cmake --preset "$1" --log-level=NOTICE >&2

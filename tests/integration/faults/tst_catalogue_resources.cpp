@@ -22,6 +22,15 @@ QByteArray Second()
     return CatalogueOf({MaterialText("b"), MaterialText("c")}) + QByteArray(40000, ' ');
 }
 
+/// Rows of the first read of Second() that fails.
+void AddFailingReads()
+{
+    QTest::addColumn<int>("nth");
+    QTest::newRow("from its start") << 0;
+    QTest::newRow("from its middle") << 1;
+    QTest::newRow("at its end") << 40;
+}
+
 } // namespace
 
 class tst_catalogue_resources : public QObject
@@ -51,10 +60,7 @@ private slots:
 
 void tst_catalogue_resources::aFileThatIsOpenedButNotReadLeavesTheCatalogue_data()
 {
-    QTest::addColumn<int>("nth");
-    QTest::newRow("from its start") << 0;
-    QTest::newRow("from its middle") << 1;
-    QTest::newRow("at its end") << 40;
+    AddFailingReads();
 }
 
 void tst_catalogue_resources::aFileThatIsOpenedButNotReadLeavesTheCatalogue()
@@ -271,10 +277,7 @@ void tst_catalogue_resources::aFileWrittenInPlaceThatCannotBeCutStays()
 
 void tst_catalogue_resources::aFileThatCannotBeReadIsNotWrittenInPlace_data()
 {
-    QTest::addColumn<int>("nth");
-    QTest::newRow("from its start") << 0;
-    QTest::newRow("from its middle") << 1;
-    QTest::newRow("at its end") << 40;
+    AddFailingReads();
 }
 
 void tst_catalogue_resources::aFileThatCannotBeReadIsNotWrittenInPlace()
